@@ -1,0 +1,42 @@
+#include "board/memory_block.h"
+
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+
+namespace zorvane {
+
+std::array<MemoryBlock, 2> MemoryBlocks;
+
+namespace {
+
+constexpr std::size_t kAlignment = 64;
+
+// What the allocator handed out, for giving it back.
+std::array<void *, 2> Allocations;
+
+} // namespace
+
+void AllocateBlock(MemoryBlockNumber number, std::size_t length) {
+  const auto index = static_cast<unsigned>(number - kTranspositionBlock);
+  std::free(Allocations[index]);
+  Allocations[index] = nullptr;
+  MemoryBlocks[index] = {};
+  if (length == 0)
+    return;
+  void *memory = std::calloc(length + kAlignment, 1);
+  if (memory == nullptr)
+    std::exit(2);
+  const auto address = reinterpret_cast<std::uintptr_t>(memory);
+  const std::size_t skip = (kAlignment - address % kAlignment) % kAlignment;
+  Allocations[index] = memory;
+  MemoryBlocks[index] = {static_cast<std::byte *>(memory) + skip, length};
+}
+
+void FailMemoryBounds(MemoryBlockNumber number, std::size_t offset, std::size_t width) {
+  std::fprintf(stderr, "memory bounds %d %lu %lu\n", static_cast<int>(number), static_cast<unsigned long>(offset),
+               static_cast<unsigned long>(width));
+  std::exit(2);
+}
+
+} // namespace zorvane

@@ -1,0 +1,34 @@
+// The numbered heap blocks of the process, with bounds-tested access.
+#pragma once
+
+#include <array>
+#include <cstddef>
+
+namespace zorvane {
+
+enum MemoryBlockNumber : int { kTranspositionBlock = 905, kPawnCacheBlock = 906 };
+
+struct MemoryBlock {
+  std::byte *Data;
+  std::size_t Length;
+};
+
+// The two blocks; written by the functions below alone.
+extern std::array<MemoryBlock, 2> MemoryBlocks;
+
+// Gives the block length zero bytes at an address that is a multiple of 64, in place of what it had; 0 bytes leave it
+// without memory. When there is no memory the process ends with exit code 2 and no message.
+void AllocateBlock(MemoryBlockNumber number, std::size_t length);
+
+// Says which access went wrong and ends the process with exit code 2.
+[[noreturn]] void FailMemoryBounds(MemoryBlockNumber number, std::size_t offset, std::size_t width);
+
+// The record of type T at offset bytes into the block; ends the process when it does not lie inside.
+template <typename T> inline T &RecordAt(MemoryBlockNumber number, std::size_t offset) {
+  const MemoryBlock &block = MemoryBlocks[static_cast<unsigned>(number - kTranspositionBlock)];
+  if (offset + sizeof(T) > block.Length) [[unlikely]]
+    FailMemoryBounds(number, offset, sizeof(T));
+  return *reinterpret_cast<T *>(block.Data + offset);
+}
+
+} // namespace zorvane

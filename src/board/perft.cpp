@@ -1,0 +1,97 @@
+#include "board/perft.h"
+
+#include "board/legal_moves.h"
+
+namespace zorvane {
+
+namespace {
+
+constexpr std::array<PieceType, 4> kPromotions{kRook, kKnight, kBishop, kQueen};
+
+std::uint64_t CountWithPromotions(Bitboard pawnTargets) {
+  return static_cast<std::uint64_t>(CountSquares(pawnTargets) + 3 * CountSquares(pawnTargets & kLastRows));
+}
+
+// The moves of the pawns given, which are all free or all held to one line.
+template <Side Us> std::uint64_t CountPawnMoves(Bitboard pawns, Bitboard allowed) {
+  const Bitboard single = SinglePushes<Us>(pawns);
+  const Bitboard captures = allowed & Position.BySide[Opposite(Us)] & ~Pieces(kKing);
+  return CountWithPromotions(single & allowed) +
+         static_cast<std::uint64_t>(CountSquares(DoublePushes<Us>(single) & allowed)) +
+         CountWithPromotions(TowardsA(Ahead<Us>(pawns)) & captures) +
+         CountWithPromotions(TowardsH(Ahead<Us>(pawns)) & captures);
+}
+
+// Counts the legal moves without listing them.
+template <Side Us> std::uint64_t CountLeaves() {
+  const KingDanger danger = FindKingDanger<Us>();
+  int count = CountSquares(KingSteps<Us>(danger.King, kAllSquares));
+  if (danger.Resolving == 0)
+    return static_cast<std::uint64_t>(count);
+  count += CountSquares(CastlingTargets<Us>(danger)) + CountSquares(EnPassantCapturers<Us>());
+
+  const Bitboard allowed = danger.Resolving & ~Position.BySide[Us] & ~Pieces(kKing);
+  const Bitboard occupied = Occupied();
+  Bitboard knights = Pieces(Us, kKnight) & ~danger.Pinned;
+  while (knights != 0)
+    count += CountSquares(KnightAttacks[static_cast<unsigned>(PopSquare(knights))] & allowed);
+  Bitboard diagonal = Pieces(Us, kBishop, kQueen);
+  while (diagonal != 0) {
+    const int from = PopSquare(diagonal);
+    count += CountSquares(BishopAttacks(from, occupied) & allowed & PinLine(danger, from));
+  }
+  Bitboard straight = Pieces(Us, kRook, kQueen);
+  while (straight != 0) {
+    const int from = PopSquare(straight);
+    count += CountSquares(RookAttacks(from, occupied) & allowed & PinLine(danger, from));
+  }
+
+  const Bitboard pawns = Pieces(Us, kPawn);
+  std::uint64_t pawnMoves = CountPawnMoves<Us>(pawns & ~danger.Pinned, allowed);
+  Bitboard pinned = pawns & danger.Pinned;
+  while (pinned != 0) {
+    const int from = PopSquare(pinned);
+    pawnMoves += CountPawnMoves<Us>(Bit(from), allowed & PinLine(danger, from));
+  }
+  return static_cast<std::uint64_t>(count) + pawnMoves;
+}
+
+template <Side Us> std::uint64_t PerftOf(int depth) {
+  constexpr Side them = Opposite(Us);
+  if (depth == 1)
+    return CountLeaves<Us>();
+  const KingDanger danger = FindKingDanger<Us>();
+  const BoardState saved = Position;
+  std::uint64_t leaves = 0;
+  Bitboard men = Position.BySide[Us];
+  while (men != 0) {
+    const int from = PopSquare(men);
+    const bool isPawn = TypeOf(PieceOn(from)) == kPawn;
+    Bitboard targets = LegalTargets<Us>(danger, from);
+    while (targets != 0) {
+      const int to = PopSquare(targets);
+      MakeMoveOf<Us>(from, to);
+      if (isPawn && Contains(kLastRows, to)) {
+        for (const PieceType promotion : kPromotions) {
+          RemovePiece(to);
+          PutPiece(to, MakePiece(Us, promotion));
+          leaves += PerftOf<them>(depth - 1);
+        }
+      } else {
+        leaves += PerftOf<them>(depth - 1);
+      }
+      Position = saved;
+    }
+  }
+  return leaves;
+}
+
+} // namespace
+
+std::uint64_t Perft(int depth) {
+  if (depth == 0)
+    return 1;
+  return SideToMove == kWhite ? PerftOf<kWhite>(depth) : PerftOf<kBlack>(depth);
+}
+
+} // namespace zorvane

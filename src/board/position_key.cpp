@@ -1,0 +1,90 @@
+#include "board/position_key.h"
+
+#include "board/rules.h"
+
+namespace zorvane {
+
+int GameHistoryCount;
+
+namespace {
+
+// The positions of the game by a hash of their boards: the latest of each bucket, then back from one to the next.
+constexpr unsigned kBucketBits = 12;
+constexpr std::int16_t kEndOfBucket = -1;
+
+struct GamePosition {
+  PositionKey Key;
+  std::uint64_t BoardSum;
+  std::int16_t Next;
+};
+
+std::array<GamePosition, kGameHistoryLimit> GameHistory;
+std::array<std::int16_t, 1U << kBucketBits> Buckets;
+
+std::int16_t &BucketOf(std::uint64_t boardSum) {
+  constexpr std::uint64_t spread = 0x9E3779B97F4A7C15U;
+  return Buckets[(boardSum * spread) >> (64 - kBucketBits)];
+}
+
+// The en-passant square when side can capture there, else none.
+int EffectiveEnPassantSquare(Side side) {
+  const int target = Position.EnPassantSquare;
+  if (target == kNoSquare)
+    return kNoSquare;
+  Bitboard pawns = PawnAttacks[Opposite(side)][static_cast<unsigned>(target)] & Pieces(side, kPawn);
+  while (pawns != 0)
+    if (IsLegalMove(PopSquare(pawns), target))
+      return target;
+  return kNoSquare;
+}
+
+int CountInGame(const PositionKey &key) {
+  int count = 0;
+  for (int i = BucketOf(Position.BoardSum); i != kEndOfBucket; i = GameHistory[static_cast<unsigned>(i)].Next) {
+    const GamePosition &position = GameHistory[static_cast<unsigned>(i)];
+    if (position.BoardSum == Position.BoardSum && position.Key == key)
+      ++count;
+  }
+  return count;
+}
+
+// The key of the position that UndoStack holds at a level of the running line.
+PositionKey KeyAtLevel(int level, Side side) {
+  const BoardState &state = UndoStack[static_cast<unsigned>(level)];
+  if (state.EnPassantSquare == kNoSquare)
+    return MakePositionKey(state, side, kNoSquare);
+  const BoardState current = Position;
+  Position = state;
+  const PositionKey key = BuildPositionKey(side);
+  Position = current;
+  return key;
+}
+
+} // namespace
+
+PositionKey BuildPositionKey(Side side) { return MakePositionKey(Position, side, EffectiveEnPassantSquare(side)); }
+
+void StartGameHistory() {
+  GameHistoryCount = 0;
+  Buckets.fill(kEndOfBucket);
+  PushGameHistory();
+}
+
+void PushGameHistory() {
+  if (GameHistoryCount >= kGameHistoryLimit)
+    return;
+  std::int16_t &bucket = BucketOf(Position.BoardSum);
+  GameHistory[static_cast<unsigned>(GameHistoryCount)] = {BuildPositionKey(SideToMove), Position.BoardSum, bucket};
+  bucket = static_cast<std::int16_t>(GameHistoryCount++);
+}
+
+int CountEqualPositions(Side side, int ply) {
+  const PositionKey key = BuildPositionKey(side);
+  int count = CountInGame(key);
+  for (int level = ply - kShortestCycle; level >= 1; level -= 2)
+    if (UndoStack[static_cast<unsigned>(level)].BoardSum == Position.BoardSum && KeyAtLevel(level, side) == key)
+      ++count;
+  return count;
+}
+
+} // namespace zorvane

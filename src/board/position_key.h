@@ -1,0 +1,54 @@
+// What makes two positions the same, and the positions of the game so far.
+#pragma once
+
+#include <array>
+
+#include "board/position.h"
+
+namespace zorvane {
+
+// The whole identity of a position, exact. Two positions are the same when all five words are equal.
+struct PositionKey {
+  std::array<Bitboard, 4> Squares; // three bits of type and one of colour for each square
+  std::uint32_t Rest;              // side to move, moved flags, en-passant square
+
+  bool operator==(const PositionKey &other) const = default;
+};
+
+// The key of a state with an en-passant square of the caller's choice.
+inline PositionKey MakePositionKey(const BoardState &state, Side side, int enPassantSquare) {
+  const auto of = [&state](PieceType type) { return state.ByType[static_cast<unsigned>(type - 1)]; };
+  return {{of(kPawn) | of(kKnight) | of(kQueen), of(kRook) | of(kKnight) | of(kKing),
+           of(kBishop) | of(kQueen) | of(kKing), state.BySide[kBlack]},
+          static_cast<std::uint32_t>(side) | static_cast<std::uint32_t>(state.MovedFlags) << 1 |
+              static_cast<std::uint32_t>(enPassantSquare) << 8};
+}
+
+// The key of the current position with side to move. The en-passant square counts only when a pawn of that side
+// can really capture there, so a double step that nothing can take leaves no trace.
+PositionKey BuildPositionKey(Side side);
+
+constexpr int kGameHistoryLimit = 1001;
+
+// Positions of the game, from the loaded one on; 0 to 1001. Written by StartGameHistory and PushGameHistory.
+extern int GameHistoryCount;
+
+// Makes the current position the only one of the game. The last step of every LoadFen.
+void StartGameHistory();
+
+// Adds the current position; when the history is full nothing happens.
+void PushGameHistory();
+
+// A position comes back after four half-moves at the soonest, and only while nothing was taken and no pawn moved.
+constexpr int kShortestCycle = 4;
+
+// The count of CountRepetitions, without the look at the clock.
+int CountEqualPositions(Side side, int ply);
+
+// How often the current position, with side to move, stands in the game and on the search line above ply (UndoStack
+// from level 1 on). Where the clock says that it cannot be as often as atLeast the answer may be 0 instead.
+inline int CountRepetitions(Side side, int ply, int atLeast) {
+  return Position.HalfmoveClock < atLeast * kShortestCycle ? 0 : CountEqualPositions(side, ply);
+}
+
+} // namespace zorvane

@@ -1,0 +1,121 @@
+#include "board/rules.h"
+
+namespace zorvane {
+
+namespace {
+
+// Squares that a pawn of side on from may be pushed to.
+template <Side Us> Bitboard PushTargets(int from) {
+  constexpr Bitboard firstStep = Us == kWhite ? RowMask(5) : RowMask(2);
+  const Bitboard empty = ~Occupied();
+  const Bitboard single = Ahead<Us>(Bit(from)) & empty;
+  const bool onStartRow = RowOf(from) == (Us == kWhite ? 6 : 1);
+  return single | (onStartRow ? Ahead<Us>(single & firstStep) & empty : 0);
+}
+
+// The square beside the capturing pawn, whose pawn an en-passant capture takes.
+int EnPassantVictim(int from, int to) { return MakeSquare(FileOf(to), RowOf(from)); }
+
+bool IsPseudoLegalPawnMove(int from, int to) {
+  const Side us = SideOf(PieceOn(from));
+  if (FileOf(from) == FileOf(to))
+    return Contains(us == kWhite ? PushTargets<kWhite>(from) : PushTargets<kBlack>(from), to);
+  if (!Contains(PawnAttacks[us][static_cast<unsigned>(from)], to))
+    return false;
+  if (PieceOn(to) != kNoPiece)
+    return true;
+  return to == Position.EnPassantSquare && PieceOn(EnPassantVictim(from, to)) == MakePiece(Opposite(us), kPawn);
+}
+
+// The occupied squares after a move, the rook's step of castling included.
+Bitboard OccupiedAfter(int from, int to, Bitboard removed) {
+  Bitboard occupied = (Occupied() & ~Bit(from) & ~removed) | Bit(to);
+  if (TypeOf(PieceOn(from)) == kKing && Absolute(FileOf(to) - FileOf(from)) == 2)
+    occupied = (occupied & ~Bit(to > from ? from + 3 : from - 4)) | Bit((from + to) / 2);
+  return occupied;
+}
+
+} // namespace
+
+Bitboard AttackersTo(int square, Bitboard occupied) {
+  const auto place = static_cast<unsigned>(square);
+  return (PawnAttacks[kBlack][place] & Pieces(kWhite, kPawn)) | (PawnAttacks[kWhite][place] & Pieces(kBlack, kPawn)) |
+         (KnightAttacks[place] & Pieces(kKnight)) | (KingAttacks[place] & Pieces(kKing)) |
+         (RookAttacks(square, occupied) & Pieces(kRook, kQueen)) |
+         (BishopAttacks(square, occupied) & Pieces(kBishop, kQueen));
+}
+
+bool IsSquareAttacked(int square, Side bySide) {
+  return (AttackersTo(square, Occupied()) & Position.BySide[bySide]) != 0;
+}
+
+bool IsInCheck(Side side) { return IsSquareAttacked(FindKingSquare(side), Opposite(side)); }
+
+bool CanCastle(int from, int to) {
+  const Side us = SideOf(PieceOn(from));
+  const Side them = Opposite(us);
+  const int home = us == kWhite ? MakeSquare(4, 7) : MakeSquare(4, 0);
+  if (TypeOf(PieceOn(from)) != kKing || from != home || (to != home + 2 && to != home - 2))
+    return false;
+  const bool kingSide = to > from;
+  const int corner = kingSide ? home + 3 : home - 4;
+  const unsigned lost = (us == kWhite ? kWhiteKingMoved : kBlackKingMoved) | RookCornerFlag(us, corner);
+  if ((Position.MovedFlags & lost) != 0 || PieceOn(corner) != MakePiece(us, kRook))
+    return false;
+  const Bitboard between = kingSide ? Bit(home + 1) | Bit(home + 2) : Bit(home - 1) | Bit(home - 2) | Bit(home - 3);
+  return (Occupied() & between) == 0 && !IsSquareAttacked(home, them) && !IsSquareAttacked((home + to) / 2, them) &&
+         !IsSquareAttacked(to, them);
+}
+
+bool IsPseudoLegalMove(int from, int to) {
+  const Piece piece = PieceOn(from);
+  const Piece target = PieceOn(to);
+  if (piece == kNoPiece)
+    return false;
+  if (target != kNoPiece && (SideOf(target) == SideOf(piece) || TypeOf(target) == kKing))
+    return false;
+  switch (TypeOf(piece)) {
+  case kPawn:
+    return IsPseudoLegalPawnMove(from, to);
+  case kRook:
+    return Contains(RookAttacks(from, Occupied()), to);
+  case kKnight:
+    return Contains(KnightAttacks[static_cast<unsigned>(from)], to);
+  case kBishop:
+    return Contains(BishopAttacks(from, Occupied()), to);
+  case kQueen:
+    return Contains(QueenAttacks(from, Occupied()), to);
+  case kKing:
+    return Contains(KingAttacks[static_cast<unsigned>(from)], to) || CanCastle(from, to);
+  default:
+    return false;
+  }
+}
+
+bool IsLegalMove(int from, int to) {
+  if (!IsPseudoLegalMove(from, to))
+    return false;
+  const Side us = SideOf(PieceOn(from));
+  const Bitboard removed = IsEnPassantMove(from, to) ? Bit(EnPassantVictim(from, to)) : Bit(to);
+  const int king = TypeOf(PieceOn(from)) == kKing ? to : FindKingSquare(us);
+  const Bitboard attackers = AttackersTo(king, OccupiedAfter(from, to, removed));
+  return (attackers & Position.BySide[Opposite(us)] & ~removed) == 0;
+}
+
+void MakeMove(int from, int to) {
+  if (SideOf(PieceOn(from)) == kWhite)
+    MakeMoveOf<kWhite>(from, to);
+  else
+    MakeMoveOf<kBlack>(from, to);
+}
+
+bool MoveGivesCheck(int level, int from, int to) {
+  const Side them = Opposite(SideOf(PieceOn(from)));
+  SaveState(level);
+  MakeMove(from, to);
+  const bool check = IsInCheck(them);
+  RestoreState(level);
+  return check;
+}
+
+} // namespace zorvane

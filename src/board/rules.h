@@ -1,0 +1,126 @@
+// The rules of chess on the one position: attacks, legality, making a move.
+//
+// The tests here answer for any position that LoadFen accepts and for either colour, whoever is to move: the
+// mover's colour is that of the piece on the from-square. The search's own move lists come from legal_moves.h.
+#pragma once
+
+#include "board/position.h"
+
+namespace zorvane {
+
+// All pieces of either side that bear on square when the occupied squares are those given.
+Bitboard AttackersTo(int square, Bitboard occupied);
+
+// True when a piece of bySide attacks the square. A piece attacks the first occupied square of a ray, of either
+// colour, and none behind it.
+bool IsSquareAttacked(int square, Side bySide);
+
+// The square of the king of a side.
+inline int FindKingSquare(Side side) { return LowestSquare(Pieces(side, kKing)); }
+
+// True when the king of side is attacked by the other side.
+bool IsInCheck(Side side);
+
+// True when the move obeys the rules of its piece, castling and en passant included; whether the own king is safe
+// afterwards is not asked. A king is never captured.
+bool IsPseudoLegalMove(int from, int to);
+
+// True when the king on from may castle to the square to.
+bool CanCastle(int from, int to);
+
+// True when the move is pseudo-legal and leaves the mover's king unattacked.
+bool IsLegalMove(int from, int to);
+
+// True when the pawn's move to the square takes en passant: the square is empty and the target, one file aside.
+inline bool IsEnPassantMove(int from, int to) {
+  return to == Position.EnPassantSquare && TypeOf(PieceOn(from)) == kPawn && PieceOn(to) == kNoPiece &&
+         Absolute(FileOf(to) - FileOf(from)) == 1;
+}
+
+// True when the move takes something, en passant included.
+inline bool IsCaptureMove(int from, int to) {
+  const Piece target = PieceOn(to);
+  return target != kNoPiece ? SideOf(target) != SideOf(PieceOn(from)) : IsEnPassantMove(from, to);
+}
+
+// The moved flag that a rook of side sets by leaving square or by being taken there; 0 off its two corners.
+constexpr std::uint8_t RookCornerFlag(Side side, int square) {
+  const int corner = side == kWhite ? MakeSquare(0, 7) : MakeSquare(0, 0);
+  if (square == corner)
+    return side == kWhite ? kWhiteRookAMoved : kBlackRookAMoved;
+  if (square == corner + 7)
+    return side == kWhite ? kWhiteRookHMoved : kBlackRookHMoved;
+  return 0;
+}
+
+// Plays a legal move; nothing is tested. A pawn that reaches the last row becomes a queen. SideToMove, GamePly and
+// the game history stay as they are.
+void MakeMove(int from, int to);
+
+// MakeMove for a caller that knows the mover's side.
+template <Side Us> void MakeMoveOf(int from, int to);
+
+// True when the legal move attacks the enemy king, tried on the board through slot level of UndoStack.
+bool MoveGivesCheck(int level, int from, int to);
+
+template <Side Us> inline void MakeMoveOf(int from, int to) {
+  constexpr Side them = Opposite(Us);
+  BoardState &state = Position;
+  const auto place = [](int square) { return static_cast<unsigned>(square); };
+  const Piece piece = state.Board[place(from)];
+  const Piece captured = state.Board[place(to)];
+  const PieceType type = TypeOf(piece);
+  const SquareTerm &left = kSquareTerms[piece][place(from)];
+  const SquareTerm &entered = kSquareTerms[piece][place(to)];
+  const Bitboard change = Bit(from) | Bit(to);
+
+  state.BySide[Us] ^= change;
+  state.ByType[place(type - 1)] ^= change;
+  state.Board[place(from)] = kNoPiece;
+  state.Board[place(to)] = piece;
+  state.BoardSum += entered.Hash - left.Hash;
+  state.PlacementScore += entered.Placement - left.Placement;
+  ++state.HalfmoveClock;
+
+  if (captured != kNoPiece) {
+    const SquareTerm &taken = kSquareTerms[captured][place(to)];
+    const PieceType takenType = TypeOf(captured);
+    state.BySide[them] ^= Bit(to);
+    state.ByType[place(takenType - 1)] ^= Bit(to);
+    state.BoardSum -= taken.Hash;
+    state.PlacementScore -= taken.Placement;
+    state.MaterialSum -= taken.Material;
+    state.HalfmoveClock = 0;
+    if (takenType == kPawn)
+      state.PawnSum -= taken.Hash;
+    else if (takenType == kRook)
+      state.MovedFlags |= RookCornerFlag(them, to);
+  }
+
+  const int target = state.EnPassantSquare;
+  state.EnPassantSquare = kNoSquare;
+
+  if (type == kPawn) {
+    state.HalfmoveClock = 0;
+    state.PawnSum += entered.Hash - left.Hash;
+    if (Absolute(to - from) == 16) {
+      state.EnPassantSquare = static_cast<std::uint8_t>((from + to) / 2);
+    } else if (to == target && captured == kNoPiece && FileOf(from) != FileOf(to)) {
+      RemovePiece(MakeSquare(FileOf(to), RowOf(from)));
+    } else if (Contains(kLastRows, to)) {
+      RemovePiece(to);
+      PutPiece(to, MakePiece(Us, kQueen));
+    }
+  } else if (type == kKing) {
+    state.MovedFlags |= Us == kWhite ? kWhiteKingMoved : kBlackKingMoved;
+    if (Absolute(to - from) == 2) {
+      const int corner = to > from ? from + 3 : from - 4;
+      RemovePiece(corner);
+      PutPiece((from + to) / 2, MakePiece(Us, kRook));
+    }
+  } else if (type == kRook) {
+    state.MovedFlags |= RookCornerFlag(Us, from);
+  }
+}
+
+} // namespace zorvane

@@ -1,0 +1,60 @@
+// What one piece on one square adds to the sums that MakeMove keeps up to date.
+#pragma once
+
+#include <array>
+
+#include "board/types.h"
+#include "evaluation/piece_terms.h"
+
+namespace zorvane {
+
+// The board hash is h = (h * 131 + code + 1) modulo kHashModulus over the squares in order, so each piece adds
+// code * 131^(63 - square) to it wherever the others stand.
+constexpr std::uint64_t kHashModulus = 2147483647;
+constexpr std::uint64_t kHashFactor = 131;
+
+struct SquareTerm {
+  std::uint64_t Hash;     // below kHashModulus
+  std::int32_t Placement; // centipawns, negative for Black
+  std::int32_t Material;
+};
+
+using SquareTermTable = std::array<std::array<SquareTerm, kSquares>, kPieceLimit>;
+
+constexpr SquareTermTable MakeSquareTerms() {
+  SquareTermTable table{};
+  std::uint64_t power = 1;
+  for (int square = kSquares - 1; square >= 0; --square) {
+    for (const Side side : {kWhite, kBlack}) {
+      for (int number = kPawn; number <= kKing; ++number) {
+        const auto type = static_cast<PieceType>(number);
+        const Piece piece = MakePiece(side, type);
+        SquareTerm &term = table[piece][static_cast<unsigned>(square)];
+        term.Hash = static_cast<std::uint64_t>(PieceCode(piece)) * power % kHashModulus;
+        term.Placement = PlacementTerm(side, type, square) * (side == kWhite ? 1 : -1);
+        term.Material = MaterialOf(type);
+      }
+    }
+    power = power * kHashFactor % kHashModulus;
+  }
+  return table;
+}
+
+// The hash of a board without a piece.
+constexpr std::uint64_t EmptyBoardHash() {
+  std::uint64_t hash = 0;
+  for (int square = 0; square < kSquares; ++square)
+    hash = (hash * kHashFactor + 1) % kHashModulus;
+  return hash;
+}
+
+inline constexpr SquareTermTable kSquareTerms = MakeSquareTerms();
+inline constexpr std::uint64_t kEmptyBoardHash = EmptyBoardHash();
+
+// Brings a sum of up to 64 hash terms below the modulus, which is 2^31 - 1.
+constexpr std::uint32_t ReduceHash(std::uint64_t sum) {
+  const std::uint64_t folded = (sum & kHashModulus) + (sum >> 31);
+  return static_cast<std::uint32_t>(folded >= kHashModulus ? folded - kHashModulus : folded);
+}
+
+} // namespace zorvane

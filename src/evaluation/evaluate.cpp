@@ -1,0 +1,94 @@
+#include "evaluation/evaluate.h"
+
+#include "evaluation/king_terms.h"
+#include "evaluation/mating_drive.h"
+#include "evaluation/pawn_structure.h"
+#include "evaluation/phase.h"
+#include "search/transposition_table.h"
+
+namespace zorvane {
+
+namespace {
+
+constexpr int kBishopPair = 30;
+constexpr int kQueenSortie = 15;
+constexpr int kHalfOpenFile = 12;
+constexpr int kOpenFile = 10; // on top of the half-open file
+constexpr double kKingConstant = 20000;
+
+// Where a queen pays for having come out: all but its own first two ranks.
+constexpr Bitboard kSortieSquares[2] = {~(RowMask(7) | RowMask(6)), ~(RowMask(0) | RowMask(1))};
+
+int QueenSortiePenalty(const Phase &phase) { return kQueenSortie * phase.GamePhase / kFullPhase; }
+
+template <Side Us> int RookFileScore(const PawnStructure &pawns) {
+  const Bitboard halfOpen = Pieces(Us, kRook) & ~pawns.Files[Us];
+  return kHalfOpenFile * CountSquares(halfOpen) + kOpenFile * CountSquares(halfOpen & ~pawns.Files[Opposite(Us)]);
+}
+
+template <Side Us> int BishopPairScore() { return HasSeveral(Pieces(Us, kBishop)) ? kBishopPair : 0; }
+
+template <Side Us> int PieceScore(const PawnStructure &pawns, const Phase &phase) {
+  return RookFileScore<Us>(pawns) + BishopPairScore<Us>() -
+         QueenSortiePenalty(phase) * CountSquares(Pieces(Us, kQueen) & kSortieSquares[Us]) + KingTerm<Us>(phase);
+}
+
+// The term of the piece on square other than a pawn, unsigned for colour.
+template <Side Us> double PieceTerm(const PawnStructure &pawns, const Phase &phase, int square) {
+  const PieceType type = TypeOf(PieceOn(square));
+  if (type == kKing)
+    return kKingConstant + KingTerm<Us>(phase);
+  int term = PlacementTerm(Us, type, square);
+  if (type == kRook && !Contains(pawns.Files[Us], square))
+    term += kHalfOpenFile + (Contains(pawns.Files[Opposite(Us)], square) ? 0 : kOpenFile);
+  if (type == kQueen && Contains(kSortieSquares[Us], square))
+    term -= QueenSortiePenalty(phase);
+  return term;
+}
+
+// With fractions in the sum its order decides the last bits, so the terms are added up square by square.
+int SumInScanOrder(const PawnStructure &pawns, const Phase &phase) {
+  double score = 0;
+  for (Bitboard men = Occupied(); men != 0;) {
+    const int square = PopSquare(men);
+    const Piece piece = PieceOn(square);
+    const double term = TypeOf(piece) == kPawn    ? PawnTerm(pawns, phase, square)
+                        : SideOf(piece) == kWhite ? PieceTerm<kWhite>(pawns, phase, square)
+                                                  : PieceTerm<kBlack>(pawns, phase, square);
+    score += SideOf(piece) == kWhite ? term : -term;
+  }
+  score += BishopPairScore<kWhite>();
+  score -= BishopPairScore<kBlack>();
+  return static_cast<int>(score + MatingDrive());
+}
+
+} // namespace
+
+int ComputeEvaluation() {
+  const Phase phase = CurrentPhase();
+  const PawnStructure &pawns = CurrentPawnStructure();
+  if (pawns.IsFractional) [[unlikely]]
+    return SumInScanOrder(pawns, phase);
+  return Position.PlacementScore + PawnScore(pawns, phase) + PieceScore<kWhite>(pawns, phase) -
+         PieceScore<kBlack>(pawns, phase) + MatingDrive();
+}
+
+int Evaluate() {
+  if (TranspositionSlots == 0)
+    return ComputeEvaluation();
+  TranspositionSlot &slot = CurrentSlot();
+  const PositionKey key = TranspositionKey(SideToMove);
+  const bool sameKey = slot.State != kSlotEmpty && slot.Key == key;
+  if (sameKey && slot.State == kSlotEvaluated)
+    return slot.Evaluation;
+  const int value = ComputeEvaluation();
+  if (!sameKey) {
+    slot.Key = key;
+    slot.Move = kNoMove;
+  }
+  slot.Evaluation = value;
+  slot.State = kSlotEvaluated;
+  return value;
+}
+
+} // namespace zorvane

@@ -1,0 +1,134 @@
+#include "evaluation/king_terms.h"
+
+#include <algorithm>
+
+#include "evaluation/piece_terms.h"
+
+namespace zorvane {
+
+namespace {
+
+constexpr int kShieldPawn = 12;
+constexpr int kCastledBonus = 35;
+constexpr int kRankWish = -12;
+constexpr int kFileWish = -3;
+constexpr int kCentreWish = 5;
+constexpr int kFullShield = 3;
+constexpr int kCountedZoneSquares = 3;
+constexpr int kHighestPenalty = 260;
+
+constexpr int kPawnWeight = 1;
+constexpr int kRookWeight = 3;
+constexpr int kKnightWeight = 2;
+constexpr int kBishopWeight = 2;
+constexpr int kQueenWeight = 5;
+constexpr int kKingWeight = 1;
+
+// What a king's square gives it; everything but the shield and the attackers.
+struct KingSquare {
+  std::int16_t MiddleGame;
+  std::int16_t EndGame;
+  Bitboard Shield;              // where pawns shield it
+  std::array<Bitboard, 2> Zone; // where attackers count: with a shield, without
+};
+
+constexpr Bitboard WithNeighbours(int square) { return Bit(square) | TowardsA(Bit(square)) | TowardsH(Bit(square)); }
+
+template <Side Us> constexpr KingSquare MakeKingSquare(int square) {
+  const int rank = RelativeRank(Us, square);
+  const bool castled = rank == 0 && (FileOf(square) == 2 || FileOf(square) == 6);
+  const Bitboard row = WithNeighbours(square);
+  const Bitboard first = Ahead<Us>(row);
+  const Bitboard near = Behind<Us>(row) | row | first | Ahead<Us>(first);
+  return {
+      static_cast<std::int16_t>(kRankWish * rank + kFileWish * FileCentrality(square) + (castled ? kCastledBonus : 0)),
+      static_cast<std::int16_t>(kCentreWish * (FileCentrality(square) + RankCentrality(square))),
+      first,
+      {near, near | Ahead<Us>(Ahead<Us>(first))}};
+}
+
+template <Side Us> constexpr std::array<KingSquare, kSquares> MakeKingSquares() {
+  std::array<KingSquare, kSquares> table{};
+  for (int square = 0; square < kSquares; ++square)
+    table[static_cast<unsigned>(square)] = MakeKingSquare<Us>(square);
+  return table;
+}
+
+template <Side Us> constexpr std::array<KingSquare, kSquares> kKingSquares = MakeKingSquares<Us>();
+
+// Attackers of a zone and their weighted squares, piece by piece.
+struct ZoneAttack {
+  int Attackers = 0;
+  int Weighted = 0;
+
+  void Add(int squares, int weight) {
+    Attackers += squares > 0 ? 1 : 0;
+    Weighted += weight * std::min(squares, kCountedZoneSquares);
+  }
+};
+
+// A pawn bears on two squares at most, so all of a side's are counted at once.
+template <Side Attacker> void AddPawns(ZoneAttack &attack, Bitboard zone) {
+  const Bitboard pawns = Pieces(Attacker, kPawn);
+  const Bitboard towardsA = TowardsA(Ahead<Attacker>(pawns)) & zone;
+  const Bitboard towardsH = TowardsH(Ahead<Attacker>(pawns)) & zone;
+  attack.Attackers += CountSquares(Behind<Attacker>(TowardsH(towardsA) | TowardsA(towardsH)));
+  attack.Weighted += kPawnWeight * (CountSquares(towardsA) + CountSquares(towardsH));
+}
+
+template <Side Attacker> int KingAttackPenalty(Bitboard zone, int shield, int gamePhase) {
+  const Bitboard occupied = Occupied();
+  ZoneAttack attack;
+  AddPawns<Attacker>(attack, zone);
+  for (Bitboard rooks = Pieces(Attacker, kRook); rooks != 0;)
+    attack.Add(CountSquares(RookAttacks(PopSquare(rooks), occupied) & zone), kRookWeight);
+  for (Bitboard knights = Pieces(Attacker, kKnight); knights != 0;)
+    attack.Add(CountSquares(KnightAttacks[static_cast<unsigned>(PopSquare(knights))] & zone), kKnightWeight);
+  for (Bitboard bishops = Pieces(Attacker, kBishop); bishops != 0;)
+    attack.Add(CountSquares(BishopAttacks(PopSquare(bishops), occupied) & zone), kBishopWeight);
+  const Bitboard queens = Pieces(Attacker, kQueen);
+  for (Bitboard rest = queens; rest != 0;)
+    attack.Add(CountSquares(QueenAttacks(PopSquare(rest), occupied) & zone), kQueenWeight);
+  attack.Add(CountSquares(KingAttacks[static_cast<unsigned>(FindKingSquare(Attacker))] & zone), kKingWeight);
+
+  if (attack.Attackers < 2)
+    return 0;
+  const int raw = (kFullShield - shield) * attack.Weighted + attack.Weighted * attack.Weighted / 4;
+  const int penalty = gamePhase * std::min(raw, kHighestPenalty) / kFullPhase;
+  return queens != 0 ? penalty : penalty / 4;
+}
+
+} // namespace
+
+bool PieceAttacksSquare(int from, int to) {
+  const Piece piece = PieceOn(from);
+  switch (TypeOf(piece)) {
+  case kPawn:
+    return Contains(PawnAttacks[SideOf(piece)][static_cast<unsigned>(from)], to);
+  case kRook:
+    return Contains(RookAttacks(from, Occupied()), to);
+  case kKnight:
+    return Contains(KnightAttacks[static_cast<unsigned>(from)], to);
+  case kBishop:
+    return Contains(BishopAttacks(from, Occupied()), to);
+  case kQueen:
+    return Contains(QueenAttacks(from, Occupied()), to);
+  case kKing:
+    return Contains(KingAttacks[static_cast<unsigned>(from)], to);
+  default:
+    return false;
+  }
+}
+
+template <Side Us> int KingTerm(const Phase &phase) {
+  const KingSquare &place = kKingSquares<Us>[static_cast<unsigned>(FindKingSquare(Us))];
+  const int shield = CountSquares(place.Shield & Pieces(Us, kPawn));
+  const int square =
+      ((kShieldPawn * shield + place.MiddleGame) * phase.GamePhase + place.EndGame * phase.EndgameWeight) / kFullPhase;
+  return square - KingAttackPenalty<Opposite(Us)>(place.Zone[shield > 0 ? 0 : 1], shield, phase.GamePhase);
+}
+
+template int KingTerm<kWhite>(const Phase &phase);
+template int KingTerm<kBlack>(const Phase &phase);
+
+} // namespace zorvane

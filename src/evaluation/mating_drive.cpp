@@ -1,0 +1,44 @@
+#include "evaluation/mating_drive.h"
+
+#include <algorithm>
+
+#include "board/legal_moves.h"
+
+namespace zorvane {
+
+namespace {
+
+constexpr int kPerMissingMove = 16;
+constexpr int kPerStepToEdge = 35;
+constexpr int kPerStepOfKings = 18;
+constexpr int kAllSteps = 8;
+constexpr int kFarthestFromEdge = 3;
+constexpr int kFarthestKings = 14;
+
+bool IsBare(Side side) { return Position.BySide[side] == Pieces(side, kKing); }
+
+// The drive of Us against the bare king of the other side.
+template <Side Us> int DriveOf() {
+  constexpr Side bareSide = Opposite(Us);
+  const int own = FindKingSquare(Us);
+  const int bare = FindKingSquare(bareSide);
+  const int file = FileOf(bare);
+  const int row = RowOf(bare);
+  const int fromEdge = std::min({file, 7 - file, row, 7 - row});
+  const int apart = Absolute(FileOf(own) - file) + Absolute(RowOf(own) - row);
+  const int moves = CountSquares(KingSteps<bareSide>(bare, kAllSquares));
+  return (kAllSteps - moves) * kPerMissingMove + (kFarthestFromEdge - fromEdge) * kPerStepToEdge +
+         (kFarthestKings - apart) * kPerStepOfKings;
+}
+
+} // namespace
+
+int MatingDrive() {
+  if (IsBare(kBlack) && Pieces(kWhite, kRook, kQueen) != 0)
+    return DriveOf<kWhite>();
+  if (IsBare(kWhite) && Pieces(kBlack, kRook, kQueen) != 0)
+    return -DriveOf<kBlack>();
+  return 0;
+}
+
+} // namespace zorvane

@@ -1,0 +1,189 @@
+#include "evaluation/pawn_structure.h"
+
+#include <algorithm>
+
+#include "board/memory_block.h"
+#include "evaluation/piece_terms.h"
+
+namespace zorvane {
+
+bool PawnCacheEnabled;
+
+namespace {
+
+constexpr std::size_t kPawnCacheSlots = 1024;
+
+constexpr int kPawnBase = 100;
+constexpr int kPawnPerRank = 5;
+constexpr int kPawnPerFile = 2;
+constexpr int kPawnPerRankCentrality = 2;
+constexpr int kCentralityRank = 3; // from here on rank centrality counts
+constexpr int kCentralPawnBonus = 18;
+constexpr int kDoubledPenalty = 12;
+constexpr int kIsolatedPenalty = 15;
+constexpr int kPassedPerSquaredRank = 2;
+constexpr int kPassedEndgamePerSquaredRank = 3;
+constexpr int kConnectedPassed = 8;
+constexpr int kProtectedPassed = 10;
+constexpr int kSupportedPerRank = 2; // on top of either
+constexpr int kRaceFactor = 4;
+constexpr int kRaceLimit = 24;
+
+// The same four squares for both sides.
+constexpr Bitboard kCentralSquares = (FileMask(3) | FileMask(4)) & (RowMask(3) | RowMask(4));
+
+// The part of a pawn's term that its square alone gives.
+constexpr int PawnSquareTerm(Side side, int square) {
+  const int rank = RelativeRank(side, square);
+  return kPawnBase + kPawnPerRank * rank + kPawnPerFile * FileCentrality(square) +
+         (rank >= kCentralityRank ? kPawnPerRankCentrality * RankCentrality(square) : 0);
+}
+
+constexpr std::array<std::array<std::int16_t, kSquares>, 2> MakePawnSquareTerms() {
+  std::array<std::array<std::int16_t, kSquares>, 2> table{};
+  for (const Side side : {kWhite, kBlack})
+    for (int square = 0; square < kSquares; ++square)
+      table[side][static_cast<unsigned>(square)] = static_cast<std::int16_t>(PawnSquareTerm(side, square));
+  return table;
+}
+
+constexpr std::array<std::array<std::int16_t, kSquares>, 2> kPawnSquareTerms = MakePawnSquareTerms();
+
+constexpr Bitboard Beside(Bitboard set) { return TowardsA(set) | TowardsH(set); }
+
+constexpr Bitboard FillFiles(Bitboard set) {
+  set |= set >> 8;
+  set |= set >> 16;
+  set |= set >> 32;
+  return (set & kRow0) * kFileA;
+}
+
+template <Side Us> constexpr Bitboard FillBehind(Bitboard set) {
+  set |= Behind<Us>(set);
+  set |= Behind<Us>(Behind<Us>(set));
+  return set | (Us == kWhite ? set << 32 : set >> 32);
+}
+
+template <Side Us> constexpr Bitboard ConnectedPawns(Bitboard pawns) {
+  const Bitboard beside = Beside(pawns);
+  return pawns & (beside | Ahead<Us>(beside) | Behind<Us>(beside));
+}
+
+template <Side Us> constexpr Bitboard ProtectedPawns(Bitboard pawns) { return pawns & PawnCaptures<Us>(pawns); }
+
+// An enemy pawn on the same or a neighbouring file counts when it stands further ahead, not when it is level.
+template <Side Us> constexpr Bitboard PassedPawns(Bitboard pawns, Bitboard enemyPawns) {
+  const Bitboard stopped = FillBehind<Us>(Behind<Us>(enemyPawns));
+  return pawns & ~(stopped | Beside(stopped));
+}
+
+// The whole of a side's pawns; the penalty (n - 1) * 12 of a file is spread evenly over its n pawns, so five or seven
+// of them do not have whole terms.
+template <Side Us> int AddSide(PawnStructure &structure) {
+  const Bitboard pawns = structure.Pawns[Us];
+  structure.Files[Us] = FillFiles(pawns);
+  structure.Passed[Us] = PassedPawns<Us>(pawns, structure.Pawns[Opposite(Us)]);
+  const Bitboard connected = ConnectedPawns<Us>(pawns);
+  const Bitboard backed = ProtectedPawns<Us>(pawns);
+
+  int score = -kDoubledPenalty * (CountSquares(pawns) - CountSquares(structure.Files[Us] & kRow0)) -
+              kIsolatedPenalty * CountSquares(pawns & ~Beside(structure.Files[Us]));
+  for (Bitboard rest = pawns; rest != 0;)
+    score += kPawnSquareTerms[Us][static_cast<unsigned>(PopSquare(rest))];
+  for (Bitboard rest = structure.Passed[Us]; rest != 0;) {
+    const int square = PopSquare(rest);
+    const int rank = RelativeRank(Us, square);
+    score += kPassedPerSquaredRank * rank * rank;
+    score += Contains(connected, square) ? kConnectedPassed + kSupportedPerRank * rank : 0;
+    score += Contains(backed, square) ? kProtectedPassed + kSupportedPerRank * rank : 0;
+  }
+  for (int file = 0; file < 8; ++file) {
+    const int count = CountSquares(pawns & FileMask(file));
+    structure.IsFractional |= count == 5 || count == 7;
+  }
+  return score;
+}
+
+void WorkOut(PawnStructure &structure, Bitboard whitePawns, Bitboard blackPawns) {
+  structure = {};
+  structure.Pawns = {whitePawns, blackPawns};
+  structure.Score = AddSide<kWhite>(structure) - AddSide<kBlack>(structure);
+  structure.CentralPawns = static_cast<std::int16_t>(CountSquares(whitePawns & kCentralSquares) -
+                                                     CountSquares(blackPawns & kCentralSquares));
+  structure.Valid = true;
+}
+
+int CentralPawnBonus(const Phase &phase) { return kCentralPawnBonus * phase.GamePhase / kFullPhase; }
+
+int StepsBetween(int first, int second) {
+  return Absolute(FileOf(first) - FileOf(second)) + Absolute(RowOf(first) - RowOf(second));
+}
+
+// The part of a passed pawn's term that grows towards the end game.
+int PassedEndgameTerm(Side side, int square, const Phase &phase) {
+  const int rank = RelativeRank(side, square);
+  return kPassedEndgamePerSquaredRank * rank * rank * phase.EndgameWeight / kFullPhase;
+}
+
+int RaceTerm(int square, int ownKing, int enemyKing, const Phase &phase) {
+  const int lead = StepsBetween(enemyKing, square) - StepsBetween(ownKing, square);
+  return std::clamp(kRaceFactor * lead * phase.EndgameWeight / kFullPhase, -kRaceLimit, kRaceLimit);
+}
+
+int PassedScore(const PawnStructure &structure, const Phase &phase, Side side) {
+  const int ownKing = LowestSquare(Pieces(side, kKing));
+  const int enemyKing = LowestSquare(Pieces(Opposite(side), kKing));
+  int score = 0;
+  for (Bitboard passed = structure.Passed[side]; passed != 0;) {
+    const int square = PopSquare(passed);
+    score += PassedEndgameTerm(side, square, phase) + RaceTerm(square, ownKing, enemyKing, phase);
+  }
+  return score;
+}
+
+} // namespace
+
+const PawnStructure &CurrentPawnStructure() {
+  const Bitboard whitePawns = Pieces(kWhite, kPawn);
+  const Bitboard blackPawns = Pieces(kBlack, kPawn);
+  if (!PawnCacheEnabled) {
+    static PawnStructure uncached;
+    WorkOut(uncached, whitePawns, blackPawns);
+    return uncached;
+  }
+  if (MemoryBlocks[kPawnCacheBlock - kTranspositionBlock].Length == 0) [[unlikely]]
+    AllocateBlock(kPawnCacheBlock, kPawnCacheSlots * sizeof(PawnStructure));
+  auto &slot = RecordAt<PawnStructure>(kPawnCacheBlock, PawnHash() % kPawnCacheSlots * sizeof(PawnStructure));
+  if (slot.Pawns[kWhite] != whitePawns || slot.Pawns[kBlack] != blackPawns || !slot.Valid)
+    WorkOut(slot, whitePawns, blackPawns);
+  return slot;
+}
+
+int PawnScore(const PawnStructure &structure, const Phase &phase) {
+  return structure.Score + structure.CentralPawns * CentralPawnBonus(phase) + PassedScore(structure, phase, kWhite) -
+         PassedScore(structure, phase, kBlack);
+}
+
+double PawnTerm(const PawnStructure &structure, const Phase &phase, int square) {
+  const Side side = SideOf(PieceOn(square));
+  const Bitboard own = structure.Pawns[side];
+  const int rank = RelativeRank(side, square);
+  double term = kPawnSquareTerms[side][static_cast<unsigned>(square)];
+  if (Contains(kCentralSquares, square))
+    term += CentralPawnBonus(phase);
+  const int sameFile = CountSquares(own & FileMask(FileOf(square)));
+  if (sameFile > 1)
+    term += static_cast<double>((sameFile - 1) * -kDoubledPenalty) / sameFile;
+  if ((own & Beside(FileMask(FileOf(square)))) == 0)
+    term -= kIsolatedPenalty;
+  if (!Contains(structure.Passed[side], square))
+    return term;
+  term += kPassedPerSquaredRank * rank * rank + PassedEndgameTerm(side, square, phase);
+  if (Contains(side == kWhite ? ConnectedPawns<kWhite>(own) : ConnectedPawns<kBlack>(own), square))
+    term += kConnectedPassed + kSupportedPerRank * rank;
+  if (Contains(side == kWhite ? ProtectedPawns<kWhite>(own) : ProtectedPawns<kBlack>(own), square))
+    term += kProtectedPassed + kSupportedPerRank * rank;
+  return term + RaceTerm(square, LowestSquare(Pieces(side, kKing)), LowestSquare(Pieces(Opposite(side), kKing)), phase);
+}
+
+} // namespace zorvane

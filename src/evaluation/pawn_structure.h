@@ -1,0 +1,35 @@
+// The worth of the pawns, and the cache of what depends on the pawns alone.
+#pragma once
+
+#include <array>
+
+#include "board/position.h"
+#include "evaluation/phase.h"
+
+namespace zorvane {
+
+// What one placement of pawns is worth before phase and kings come in. A slot of the PawnCache is one of these.
+struct alignas(64) PawnStructure {
+  std::array<Bitboard, 2> Pawns; // by side; the placement that the other fields are about
+  std::array<Bitboard, 2> Passed;
+  std::array<Bitboard, 2> Files; // all squares of the files that hold pawns of the side
+  std::int32_t Score;            // centipawns, White's minus Black's
+  std::int16_t CentralPawns;     // pawns that earn CentralPawnBonus, White's minus Black's
+  bool IsFractional;             // five or seven pawns on a file: doubled terms that are no whole numbers
+  bool Valid;
+};
+
+// Request flag 2. With it off nothing is cached, and every value stays the same.
+extern bool PawnCacheEnabled;
+
+// The structure of the pawns on the board, from the cache or worked out. Good until the next call. Allocates the cache
+// on first use.
+const PawnStructure &CurrentPawnStructure();
+
+// The terms of all pawns, centipawns, White's minus Black's. Not for a structure that is fractional.
+int PawnScore(const PawnStructure &structure, const Phase &phase);
+
+// The term of the one pawn on square, unsigned for colour, with its fraction.
+double PawnTerm(const PawnStructure &structure, const Phase &phase, int square);
+
+} // namespace zorvane

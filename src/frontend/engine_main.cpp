@@ -1,0 +1,110 @@
+#include "frontend/engine_main.h"
+
+#include <cstdio>
+#include <cstring>
+
+#include "board/number_text.h"
+#include "board/perft.h"
+#include "board/position.h"
+#include "evaluation/evaluate.h"
+#include "evaluation/pawn_structure.h"
+#include "frontend/request_file.h"
+#include "frontend/uci_loop.h"
+#include "platform/platform.h"
+#include "search/root_search.h"
+#include "search/search_driver.h"
+#include "search/stop_control.h"
+#include "search/transposition_table.h"
+
+namespace zorvane {
+
+namespace {
+
+constexpr int kSuccess = 0;
+constexpr int kFailure = 2;
+
+constexpr int kDefaultPerftDepth = 3;
+constexpr int kHighestPerftDepth = 6;
+constexpr int kDefaultBenchDepth = 3;
+constexpr double kBenchTimeLimitSeconds = 300.0;
+
+bool Is(const char *argument, const char *word) { return std::strcmp(argument, word) == 0; }
+
+int RunStatus() {
+  std::fputs("Zorvane C-Engine: OK, bin da.\n"
+             "Programmstart erfolgreich. Keine Schachberechnung ausgefuehrt.\n",
+             stdout);
+  return kSuccess;
+}
+
+int RunPerft(int depth) {
+  if (depth < 0 || depth > kHighestPerftDepth)
+    return kFailure;
+  std::printf("%llu\n", static_cast<unsigned long long>(Perft(depth)));
+  return kSuccess;
+}
+
+int RunEval() {
+  std::printf("%d\n", Evaluate());
+  return kSuccess;
+}
+
+int RunBench(int depth) {
+  if (depth < 1 || depth > kDepthLimit)
+    return kFailure;
+  MaxDepth = depth;
+  TimeLimitSeconds = kBenchTimeLimitSeconds;
+  RunSearch();
+  PrintSearchResult();
+  return kSuccess;
+}
+
+// The modes with a first argument; the state is set up.
+int RunMode(int argc, char **argv) {
+  const char *mode = argv[1];
+  const bool hasNumber = argc > 2;
+  if (hasNumber && Is(mode, "--request"))
+    return RunRequest(argv[2]);
+  if (argc > 3 && !LoadFen(argv[3])) {
+    std::fputs("Invalid FEN\n", stderr);
+    return kFailure;
+  }
+  const auto number = [&](int absent) { return hasNumber ? ParseInteger(argv[2]) : absent; };
+  if (Is(mode, "--perft"))
+    return RunPerft(number(kDefaultPerftDepth));
+  if (Is(mode, "--eval"))
+    return RunEval();
+  if (Is(mode, "--bench"))
+    return RunBench(number(kDefaultBenchDepth));
+  std::fputs("Usage: --perft|--bench depth [FEN], --eval 0 [FEN]\n", stderr);
+  return kFailure;
+}
+
+} // namespace
+
+void StartEngine() {
+  InitializeBitboards();
+  ResetSearchState();
+  UseTranspositionMoves = true;
+  PawnCacheEnabled = true;
+  UseHints = false;
+  UseEndgameHints = true;
+  StartProgramClock();
+  ResizeTransposition(kDefaultTableKb);
+  LoadFen(StartFen);
+}
+
+int EngineMain(int argc, char **argv) {
+  if (argc == 1 && !IsStandardInputUsable()) {
+    ShowMessageBox("Zorvane C-Engine",
+                   "OK, bin da.\n\nZorvane C-Engine wurde gestartet.\nKeine Schachberechnung ausgefuehrt.");
+    return kSuccess;
+  }
+  PrepareStandardStreams();
+  if (argc == 2 && Is(argv[1], "--status"))
+    return RunStatus();
+  StartEngine();
+  return argc > 1 ? RunMode(argc, argv) : RunUciLoop();
+}
+
+} // namespace zorvane

@@ -1,0 +1,12 @@
+// The command line of the program.
+#pragma once
+
+namespace zorvane {
+
+// Runs the mode that the arguments name and returns the exit code of the process, 0 or 2.
+int EngineMain(int argc, char **argv);
+
+// Gives every global its value of program start and loads the initial position.
+void StartEngine();
+
+} // namespace zorvane

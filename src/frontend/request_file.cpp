@@ -1,0 +1,229 @@
+#include "frontend/request_file.h"
+
+#include <array>
+#include <cstdio>
+#include <cstring>
+
+#include "board/position.h"
+#include "evaluation/pawn_structure.h"
+#include "frontend/uci_loop.h"
+#include "platform/platform.h"
+#include "search/best_line.h"
+#include "search/root_search.h"
+#include "search/search_driver.h"
+#include "search/stop_control.h"
+#include "search/transposition_table.h"
+
+namespace zorvane {
+
+namespace {
+
+constexpr int kSuccess = 0;
+constexpr int kFailure = 2;
+
+constexpr std::size_t kLongestPath = 3900;
+constexpr std::size_t kLineSize = 16384;
+constexpr std::size_t kTokenSize = 128;
+
+constexpr char kHeader[] = "ZORVANE_C_REQUEST_1";
+constexpr char kPositionText[] = "position startpos";
+constexpr char kMovesWord[] = " moves ";
+
+constexpr double kShortestTimeMs = 1;
+constexpr double kLongestTimeMs = 300000;
+
+using PathBuffer = std::array<char, kPathBufferSize>;
+using Line = std::array<char, kLineSize>;
+using Token = std::array<char, kTokenSize>;
+
+// The third line of a request.
+struct Parameters {
+  double TimeMs;
+  int Depth;
+  int HashKb;
+  int TranspositionMovesFlag;
+  int PawnCacheFlag;
+  int HintsFlag;
+  int EndgameHintsFlag;
+};
+
+// A path with the ending of one of the request's files; it fits for every path that is not too long.
+PathBuffer NameOf(const char *requestPath, const char *ending) {
+  PathBuffer name{};
+  std::snprintf(name.data(), name.size(), "%s%s", requestPath, ending);
+  return name;
+}
+
+PathBuffer TemporaryName(const char *requestPath) { return NameOf(requestPath, ".response.tmp"); }
+PathBuffer ResponseName(const char *requestPath) { return NameOf(requestPath, ".response"); }
+
+template <std::size_t Size> bool ReadLine(std::FILE *file, std::array<char, Size> &line) {
+  return std::fgets(line.data(), static_cast<int>(Size), file) != nullptr;
+}
+
+template <std::size_t Size> void CutLineEnd(std::array<char, Size> &line) {
+  line[std::strcspn(line.data(), "\r\n")] = '\0';
+}
+
+// Closes the stream; false when a write or the close failed.
+bool FinishWriting(std::FILE *file) {
+  const bool written = std::ferror(file) == 0;
+  return std::fclose(file) == 0 && written;
+}
+
+void PublishError(const char *path, const char *token, const char *message) {
+  const PathBuffer temporary = TemporaryName(path);
+  std::FILE *file = OpenForWriting(temporary.data());
+  if (file == nullptr)
+    return;
+  std::fprintf(file, "%s\nERROR\n%s\n", token, message);
+  if (FinishWriting(file))
+    RenameFile(temporary.data(), ResponseName(path).data());
+}
+
+// Tells the failure on standard error, in the error file and, when the token is known, in a response.
+int ReportRequestError(const char *path, const char *token, const char *message) {
+  std::fprintf(stderr, "Zorvane request error: %s\n", message);
+  if (std::strlen(path) > kLongestPath)
+    return kFailure;
+  std::FILE *file = OpenForWriting(NameOf(path, ".error.txt").data());
+  if (file != nullptr) {
+    std::fprintf(file, "%s\n", message);
+    std::fclose(file);
+  }
+  if (token != nullptr && token[0] != '\0')
+    PublishError(path, token, message);
+  return kFailure;
+}
+
+bool ReadParameters(const Line &line, Parameters &read) {
+  return std::sscanf(line.data(), "%lf %d %d %d %d %d %d", &read.TimeMs, &read.Depth, &read.HashKb,
+                     &read.TranspositionMovesFlag, &read.PawnCacheFlag, &read.HintsFlag, &read.EndgameHintsFlag) == 7;
+}
+
+bool AreInRange(const Parameters &parameters) {
+  return parameters.TimeMs >= kShortestTimeMs && parameters.TimeMs <= kLongestTimeMs && parameters.Depth >= 1 &&
+         parameters.Depth <= kDepthLimit &&
+         (parameters.HashKb == 0 || parameters.HashKb == 512 || parameters.HashKb == 1024);
+}
+
+// Plays the position line from the initial position; false when it is no valid one.
+bool SetRequestedPosition(char *line) {
+  if (std::strncmp(line, kPositionText, std::strlen(kPositionText)) != 0)
+    return false;
+  LoadFen(StartFen);
+  char *moves = std::strstr(line, kMovesWord);
+  return moves == nullptr || ApplyMoveList(moves + std::strlen(kMovesWord));
+}
+
+void ReadHints(std::FILE *file, Line &line) {
+  HintList.Count = 0;
+  while (HintList.Count < kHintLimit && ReadLine(file, line)) {
+    Hint &hint = HintList.Hints[static_cast<unsigned>(HintList.Count)];
+    if (std::sscanf(line.data(), "%7s %lf %lf", hint.Text.data(), &hint.Bonus, &hint.Penalty) == 3)
+      ++HintList.Count;
+  }
+}
+
+void SearchRequest(const Parameters &parameters) {
+  MaxDepth = parameters.Depth;
+  TimeLimitSeconds = parameters.TimeMs / 1000.0;
+  ResizeTransposition(parameters.HashKb);
+  UseTranspositionMoves = parameters.TranspositionMovesFlag != 0;
+  PawnCacheEnabled = parameters.PawnCacheFlag != 0;
+  UseHints = parameters.HintsFlag == 1;
+  UseEndgameHints = parameters.EndgameHintsFlag == 1;
+  RunSearch();
+}
+
+void WriteSearchResult(std::FILE *file, const char *token) {
+  std::fprintf(file, "%s\nOK\n%s\n%.15g\n%d\n%.0f\n%.0f\n%.0f\n%.0f\n", token, Result.BestMoveText.Text.data(),
+               static_cast<double>(Result.BestScore), CompletedDepth, static_cast<double>(Nodes), ElapsedMs,
+               static_cast<double>(Result.BestMoveReason), static_cast<double>(LegalMoveCount));
+  for (const PvEntry &entry : FinalPv) {
+    const int from = entry.Valid ? FromOf(entry.Move) : 0;
+    const int to = entry.Valid ? ToOf(entry.Move) : 0;
+    std::fprintf(file, "%d %d %d %d %d %d\n", entry.Valid ? 1 : 0, FileOf(from), RowOf(from), FileOf(to), RowOf(to),
+                 PieceCode(entry.Mover));
+  }
+}
+
+// Writes the response under its temporary name and gives it its own once it is complete.
+int PublishResponse(const char *path, const char *token, bool hasMove) {
+  const PathBuffer temporary = TemporaryName(path);
+  std::FILE *file = OpenForWriting(temporary.data());
+  if (file == nullptr)
+    return ReportRequestError(path, token, "Cannot create response file");
+  if (hasMove)
+    WriteSearchResult(file, token);
+  else
+    std::fprintf(file, "%s\nERROR\nKeine gueltige Stellung oder kein legaler Zug\n", token);
+  if (!FinishWriting(file))
+    return ReportRequestError(path, token, "Cannot write response file");
+  if (!RenameFile(temporary.data(), ResponseName(path).data()))
+    return ReportRequestError(path, token, "Cannot publish response file");
+  return kSuccess;
+}
+
+// What a request file says, as far as it could be read.
+struct Request {
+  Token TokenText;
+  Parameters Limits;
+  bool HasToken;
+  bool HasPosition;
+};
+
+// Reads the whole request; returns the message of the failure, null for none.
+const char *ReadRequest(std::FILE *file, Request &request) {
+  static Line line;
+  if (!ReadLine(file, line))
+    return "Missing request header";
+  CutLineEnd(line);
+  const bool headerMatches = std::strcmp(line.data(), kHeader) == 0;
+  if (!ReadLine(file, request.TokenText))
+    return "Missing request token";
+  CutLineEnd(request.TokenText);
+  if (request.TokenText[0] == '\0')
+    return "Empty request token";
+  request.HasToken = true;
+  if (!headerMatches)
+    return "Invalid request header";
+  if (!ReadLine(file, line) || !ReadParameters(line, request.Limits))
+    return "Invalid search parameters";
+  if (!AreInRange(request.Limits))
+    return "Search parameters out of range";
+  if (!ReadLine(file, line))
+    return "Missing position";
+  CutLineEnd(line);
+  request.HasPosition = SetRequestedPosition(line.data());
+  ReadHints(file, line);
+  return nullptr;
+}
+
+} // namespace
+
+int RunRequest(const char *requestPath) {
+  if (std::strlen(requestPath) > kLongestPath)
+    return ReportRequestError(requestPath, nullptr, "Request path too long");
+  CancelPath = NameOf(requestPath, ".cancel");
+  std::FILE *file = OpenForReading(requestPath);
+  if (file == nullptr)
+    return ReportRequestError(requestPath, nullptr, "Cannot open request file");
+  Request request{};
+  const char *failure = ReadRequest(file, request);
+  std::fclose(file);
+  const char *token = request.HasToken ? request.TokenText.data() : nullptr;
+  if (failure != nullptr)
+    return ReportRequestError(requestPath, token, failure);
+
+  if (request.HasPosition)
+    SearchRequest(request.Limits);
+  if (StopFlag.load() != 0) {
+    RemoveFile(requestPath);
+    RemoveFile(CancelPath.data());
+    return kSuccess;
+  }
+  return PublishResponse(requestPath, token, request.HasPosition && Result.BestMove != kNoMove);
+}
+
+} // namespace zorvane

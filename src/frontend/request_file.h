@@ -1,0 +1,10 @@
+// The batch mode: a request file goes in, one search runs, a response file comes out complete or not at all.
+#pragma once
+
+namespace zorvane {
+
+// Serves the request at the path and returns the exit code: 0 with a response or after a cancel, 2 with an error file
+// and, once the token is known, a response that names the error.
+int RunRequest(const char *requestPath);
+
+} // namespace zorvane

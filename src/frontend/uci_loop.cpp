@@ -1,0 +1,123 @@
+#include "frontend/uci_loop.h"
+
+#include <array>
+#include <cstdio>
+#include <cstring>
+
+#include "board/move_text.h"
+#include "board/number_text.h"
+#include "board/position.h"
+#include "frontend/search_thread.h"
+#include "search/transposition_table.h"
+
+namespace zorvane {
+
+namespace {
+
+constexpr std::size_t kLineSize = 16384;
+
+constexpr char kHashOption[] = "setoption name Hash value";
+constexpr char kPositionCommand[] = "position ";
+constexpr char kMovesWord[] = " moves ";
+constexpr char kFenWord[] = "fen ";
+
+bool StartsWith(const char *text, const char *beginning) {
+  return std::strncmp(text, beginning, std::strlen(beginning)) == 0;
+}
+
+void Say(const char *line) { std::printf("%s\n", line); }
+
+void Identify() {
+  Say("id name Zorvane Engine 1.0 Beta 1 - QuietChecks Test");
+  Say("id author Zorvane project");
+  Say("option name Hash type spin default 1 min 0 max 1");
+  Say("uciok");
+}
+
+void StartNewGame() {
+  StopSearchThread();
+  ResizeTransposition(TranspositionSizeKb);
+  LoadFen(StartFen);
+}
+
+// The option is a switch: any number but 0 means the one table size.
+void SetHash(const char *value) {
+  StopSearchThread();
+  ResizeTransposition(ParseInteger(value) != 0 ? kDefaultTableKb : 0);
+}
+
+void SetPosition(char *line) {
+  StopSearchThread();
+  char *position = line + std::strlen(kPositionCommand);
+  char *moves = std::strstr(line, kMovesWord);
+  // The blank before "moves" can be the one that ends the command word; nothing is left to name a position then.
+  if (moves != nullptr && moves < position) {
+    Say("info string invalid position");
+    return;
+  }
+  if (moves != nullptr) {
+    *moves = '\0';
+    moves += std::strlen(kMovesWord);
+  }
+  const char *fen = std::strcmp(position, "startpos") == 0 ? StartFen
+                    : StartsWith(position, kFenWord)       ? position + std::strlen(kFenWord)
+                                                           : nullptr;
+  if (fen == nullptr || !LoadFen(fen)) {
+    Say("info string invalid position");
+    return;
+  }
+  if (moves != nullptr && !ApplyMoveList(moves))
+    Say("info string invalid move in position");
+}
+
+} // namespace
+
+bool ApplyMoveList(char *moves) {
+  while (*moves != '\0') {
+    char *end = moves + std::strcspn(moves, " ");
+    const bool last = *end == '\0';
+    *end = '\0';
+    if (*moves != '\0' && !ApplyUciMove(moves))
+      return false;
+    moves = last ? end : end + 1;
+  }
+  return true;
+}
+
+bool HandleUciCommand(char *line) {
+  line[std::strcspn(line, "\r\n")] = '\0';
+  const auto is = [line](const char *command) { return std::strcmp(line, command) == 0; };
+  if (is("uci")) {
+    Identify();
+  } else if (is("isready")) {
+    Say("readyok");
+  } else if (is("stop")) {
+    StopSearchThread();
+  } else if (is("quit")) {
+    StopSearchThread();
+    return false;
+  } else if (is("ucinewgame")) {
+    StartNewGame();
+  } else if (StartsWith(line, kHashOption)) {
+    SetHash(line + std::strlen(kHashOption));
+  } else if (StartsWith(line, kPositionCommand)) {
+    SetPosition(line);
+  } else if (StartsWith(line, "go")) {
+    StartSearchThread(line);
+  }
+  return true;
+}
+
+int RunUciLoop() {
+  std::array<char, kLineSize> line;
+  while (std::fgets(line.data(), static_cast<int>(line.size()), stdin) != nullptr) {
+    const bool goOn = HandleUciCommand(line.data());
+    std::fflush(stdout);
+    if (!goOn)
+      return 0;
+  }
+  StopSearchThread();
+  return 0;
+}
+
+} // namespace zorvane

@@ -1,0 +1,16 @@
+// The interactive mode: UCI commands on standard input, answers on standard output.
+#pragma once
+
+namespace zorvane {
+
+// Reads and answers commands until "quit" or the end of input. Returns the exit code, 0.
+int RunUciLoop();
+
+// Acts on one command line, which may end in a line feed; the text is cut in the course of it. False for "quit".
+bool HandleUciCommand(char *line);
+
+// Plays the moves of a list, separated by blanks, up to the first that is refused. False when there was one. The text
+// is cut in the course of it.
+bool ApplyMoveList(char *moves);
+
+} // namespace zorvane

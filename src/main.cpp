@@ -1,0 +1,3 @@
+#include "frontend/engine_main.h"
+
+int main(int argc, char **argv) { return zorvane::EngineMain(argc, argv); }

@@ -1,0 +1,100 @@
+#include "platform/platform.h"
+
+#include <fcntl.h>
+#include <pthread.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <ctime>
+
+namespace zorvane {
+
+namespace {
+
+// The default differs between systems and shells; a search must not depend on
+// it.
+constexpr size_t kWorkerStackBytes = size_t{8} << 20;
+
+pthread_t worker;
+void (*workerBody)() = nullptr;
+
+void *RunWorkerBody(void * /*unused*/) {
+  workerBody();
+  return nullptr;
+}
+
+} // namespace
+
+bool IsStandardInputUsable() {
+  struct stat status {};
+  if (fstat(STDIN_FILENO, &status) != 0) {
+    return false;
+  }
+  const int flags = fcntl(STDIN_FILENO, F_GETFL);
+  return flags >= 0 && (flags & O_ACCMODE) != O_WRONLY;
+}
+
+void PrepareStandardStreams() { std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ); }
+
+void ShowMessageBox(const char *caption, const char *text) { std::fprintf(stderr, "%s\n%s\n", caption, text); }
+
+void ReportStartFailure(const char *text) { std::fprintf(stderr, "%s\n", text); }
+
+double PerformanceMilliseconds() {
+  timespec now{};
+  clock_gettime(CLOCK_MONOTONIC, &now);
+  return static_cast<double>(now.tv_sec) * 1e3 + static_cast<double>(now.tv_nsec) * 1e-6;
+}
+
+bool StartWorker(void (*body)()) {
+  pthread_attr_t attributes;
+  if (pthread_attr_init(&attributes) != 0) {
+    return false;
+  }
+  workerBody = body;
+  const bool started = pthread_attr_setstacksize(&attributes, kWorkerStackBytes) == 0 &&
+                       pthread_create(&worker, &attributes, RunWorkerBody, nullptr) == 0;
+  pthread_attr_destroy(&attributes);
+  return started;
+}
+
+void JoinWorker() { pthread_join(worker, nullptr); }
+
+void SleepMilliseconds(int milliseconds) {
+  timespec left{milliseconds / 1000, (milliseconds % 1000) * 1000000L};
+  while (nanosleep(&left, &left) != 0 && errno == EINTR) {
+  }
+}
+
+std::FILE *OpenForReading(const char *path) {
+  std::FILE *file = std::fopen(path, "rbe");
+  if (file == nullptr) {
+    return nullptr;
+  }
+  // A directory opens without complaint and fails only when it is read.
+  struct stat status {};
+  if (fstat(fileno(file), &status) != 0 || S_ISDIR(status.st_mode)) {
+    std::fclose(file);
+    return nullptr;
+  }
+  return file;
+}
+
+std::FILE *OpenForWriting(const char *path) { return std::fopen(path, "wbe"); }
+
+bool CanOpenForReading(const char *path) {
+  // Without O_NONBLOCK a named pipe would hold the search until it is written.
+  const int descriptor = open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+  if (descriptor < 0) {
+    return false;
+  }
+  close(descriptor);
+  return true;
+}
+
+bool RenameFile(const char *from, const char *to) { return std::rename(from, to) == 0; }
+
+bool RemoveFile(const char *path) { return unlink(path) == 0; }
+
+} // namespace zorvane

@@ -1,0 +1,84 @@
+#include "quiescence/move_lists.h"
+
+#include "evaluation/piece_terms.h"
+#include "quiescence/check_targets.h"
+
+namespace zorvane {
+
+std::array<MoveList, kSearchPlies> CaptureList;
+std::array<MoveList, kSearchPlies> QuietList;
+
+namespace {
+
+constexpr int kVictimFactor = 100;
+constexpr int kQuietCheckScore = -1000000;
+
+// Equal scores keep the order in which they came.
+void InsertSorted(MoveList &list, LevelMove move) {
+  if (list.Count == kLevelMoveLimit)
+    return;
+  int place = list.Count++;
+  for (; place > 0 && list.Moves[static_cast<unsigned>(place - 1)].Score < move.Score; --place)
+    list.Moves[static_cast<unsigned>(place)] = list.Moves[static_cast<unsigned>(place - 1)];
+  list.Moves[static_cast<unsigned>(place)] = move;
+}
+
+void Append(MoveList &list, LevelMove move) {
+  if (list.Count < kLevelMoveLimit)
+    list.Moves[static_cast<unsigned>(list.Count++)] = move;
+}
+
+// Quiet moves whose check cannot be read off the to-square: the queen of a promotion, the rook of castling.
+bool IsCompound(PieceType type, int from, int to) {
+  return (type == kPawn && Contains(kLastRows, to)) || (type == kKing && Absolute(to - from) == 2);
+}
+
+} // namespace
+
+int MoveOrderScore(int from, int to) {
+  const Piece victim = PieceOn(to);
+  const int worth = victim == kNoPiece ? kPieceValues[kPawn] : PieceValue(victim);
+  return kVictimFactor * worth - PieceValue(PieceOn(from));
+}
+
+template <Side Us> void GenerateMoves(int ply) {
+  const auto row = static_cast<unsigned>(ply);
+  MoveList &captures = CaptureList[row];
+  MoveList &quiets = QuietList[row];
+  MoveList checksFound;
+  captures.Count = quiets.Count = checksFound.Count = 0;
+
+  const KingDanger danger = FindKingDanger<Us>();
+  const CheckTargets checks = FindCheckTargets<Us>();
+  const Bitboard enemies = Position.BySide[Opposite(Us)];
+  for (Bitboard men = Position.BySide[Us]; men != 0;) {
+    const int from = PopSquare(men);
+    const PieceType type = TypeOf(PieceOn(from));
+    const Bitboard checking = CheckingTargets(checks, from, type);
+    for (Bitboard targets = LegalTargets<Us>(danger, from); targets != 0;) {
+      const int to = PopSquare(targets);
+      const PackedMove move = PackMove(from, to);
+      if (Contains(enemies, to) || IsEnPassantMove(from, to))
+        InsertSorted(captures, {MoveOrderScore(from, to), move});
+      else if (IsCompound(type, from, to) ? MoveGivesCheck(ply, from, to) : Contains(checking, to))
+        Append(checksFound, {kQuietCheckScore, move});
+      else
+        InsertSorted(quiets, {HistoryTable[Us][static_cast<unsigned>(move)], move});
+    }
+  }
+  for (int i = 0; i < checksFound.Count; ++i)
+    Append(captures, checksFound.Moves[static_cast<unsigned>(i)]);
+}
+
+template void GenerateMoves<kWhite>(int ply);
+template void GenerateMoves<kBlack>(int ply);
+
+bool IsInCaptureList(int ply, PackedMove move) {
+  const MoveList &list = CaptureList[static_cast<unsigned>(ply)];
+  for (int i = 0; i < list.Count; ++i)
+    if (list.Moves[static_cast<unsigned>(i)].Move == move)
+      return true;
+  return false;
+}
+
+} // namespace zorvane

@@ -1,0 +1,37 @@
+// The moves of a search level, in the order in which it tries them: captures by victim and attacker, then quiet
+// checks, and apart from them the other quiet moves by history.
+#pragma once
+
+#include <array>
+
+#include "quiescence/killers_history.h"
+
+namespace zorvane {
+
+constexpr int kLevelMoveLimit = 256;
+
+struct LevelMove {
+  std::int32_t Score;
+  PackedMove Move;
+};
+
+// Keeps what it holds when it is full: a further move is dropped.
+struct MoveList {
+  int Count;
+  std::array<LevelMove, kLevelMoveLimit> Moves;
+};
+
+// By ply, 1 to 7; valid from GenerateMoves of the ply until its level returns.
+extern std::array<MoveList, kSearchPlies> CaptureList;
+extern std::array<MoveList, kSearchPlies> QuietList;
+
+// Fills both lists of the ply with the legal moves of side. History scores are those of this moment.
+template <Side Us> void GenerateMoves(int ply);
+
+// The ordering score of a capture: worth of the victim before worth of the capturer.
+int MoveOrderScore(int from, int to);
+
+// True when the move stands in CaptureList of the ply.
+bool IsInCaptureList(int ply, PackedMove move);
+
+} // namespace zorvane

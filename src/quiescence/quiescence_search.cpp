@@ -1,0 +1,424 @@
+#include "quiescence/quiescence_search.h"
+
+#include <algorithm>
+
+#include "evaluation/evaluate.h"
+#include "evaluation/king_terms.h"
+#include "quiescence/check_targets.h"
+#include "quiescence/predicates.h"
+#include "search/search_driver.h"
+#include "search/stop_control.h"
+
+namespace zorvane {
+
+namespace {
+
+constexpr int kEntryDepth = 4;
+constexpr int kEntryCredit = 3;
+
+// Each rule holds at plies below its limit; every line ends at kLastPly.
+constexpr int kBishopMoveLimit = 7;
+constexpr int kThreatLimit = 8;
+constexpr int kForkPushLimit = 9;
+constexpr int kCheckLimit = 10;
+constexpr int kLastPly = 11;
+
+constexpr int kQuietCheckNodeBudget = 32; // nodes behind quiet moves before new quiet checks end
+constexpr int kQuietLineNodeCap = 64;     // nodes behind quiet moves before depth is cut to 1
+constexpr int kPlainLineNodeCap = 64;     // the same on plain lines
+constexpr int kHorizonExtraChecks = 2;
+constexpr int kFollowUpExtraChecks = 1;
+constexpr int kExtraFloorPlies = 2;
+constexpr int kBishopMovesPerNode = 2;
+
+// Why a node has no stand-pat although it is not in check.
+enum ForcedReply : int {
+  kNotForced = 0,
+  kForkOnBoard = 1,   // the parent's fork or bishop move, or a fresh enemy knight fork
+  kPawnForkThreat = 2 // also costs the children a quiet move
+};
+
+// One set of counters for the tree below one entry.
+int QuietLineDepth; // quiet tactical moves on the current line
+int QuietLineNodes; // nodes visited behind one
+int PlainLineNodes; // the others
+
+// What a node is asked, and the locals that its passes share.
+struct Node {
+  int Depth; // remaining capture depth, may be negative
+  int Ply;
+  int Alpha;
+  int Beta;
+  int QuietCredit; // quiet tactical moves that the line may still hold
+  int Forced;      // a ForcedReply
+  int FloorPlies;  // plies for which the depth does not fall below 1
+
+  int Best;
+  int ExtraChecks; // quiet checks allowed beyond the budget
+  int BishopMoves; // bishop manoeuvres played
+  int QueenTarget; // what they aim at, kNoSquare for none
+};
+
+// The moves of a pass: to-squares by from-square, meaningful for the squares of Froms.
+struct PassMoves {
+  Bitboard Froms;
+  std::array<Bitboard, kSquares> Targets;
+};
+
+void AddMoves(PassMoves &moves, int from, Bitboard targets) {
+  if (targets == 0)
+    return;
+  Bitboard &known = moves.Targets[static_cast<unsigned>(from)];
+  known = Contains(moves.Froms, from) ? known | targets : targets;
+  moves.Froms |= Bit(from);
+}
+
+// The to-squares that a pass wants: Always for any move, IfChecking for one that gives check.
+struct Wanted {
+  Bitboard Always;
+  Bitboard IfChecking;
+};
+
+// The moves of rooks, knights, bishops and queens to wanted squares. The side is not in check.
+template <Side Us>
+void AddPieceMoves(PassMoves &moves, const Wanted &wanted, const CheckTargets &checks, const KingDanger &danger) {
+  const Bitboard occupied = Occupied();
+  const auto squares = [&](PieceType type) { return wanted.Always | (wanted.IfChecking & checks.From[type]); };
+  const Bitboard rookSquares = squares(kRook);
+  const Bitboard knightSquares = squares(kKnight);
+  const Bitboard bishopSquares = squares(kBishop);
+  const Bitboard queenSquares = squares(kQueen);
+  for (Bitboard rooks = Pieces(Us, kRook); rooks != 0;) {
+    const int from = PopSquare(rooks);
+    AddMoves(moves, from, RookAttacks(from, occupied) & rookSquares & PinLine(danger, from));
+  }
+  for (Bitboard knights = Pieces(Us, kKnight) & ~danger.Pinned; knights != 0;) {
+    const int from = PopSquare(knights);
+    AddMoves(moves, from, KnightAttacks[static_cast<unsigned>(from)] & knightSquares);
+  }
+  for (Bitboard bishops = Pieces(Us, kBishop); bishops != 0;) {
+    const int from = PopSquare(bishops);
+    AddMoves(moves, from, BishopAttacks(from, occupied) & bishopSquares & PinLine(danger, from));
+  }
+  for (Bitboard queens = Pieces(Us, kQueen); queens != 0;) {
+    const int from = PopSquare(queens);
+    AddMoves(moves, from, QueenAttacks(from, occupied) & queenSquares & PinLine(danger, from));
+  }
+}
+
+// Pawn captures among the enemies given.
+template <Side Us> void AddPawnCaptures(PassMoves &moves, Bitboard enemies, const KingDanger &danger) {
+  for (Bitboard pawns = PawnCaptures<Opposite(Us)>(enemies) & Pieces(Us, kPawn); pawns != 0;) {
+    const int from = PopSquare(pawns);
+    AddMoves(moves, from, PawnAttacks[Us][static_cast<unsigned>(from)] & enemies & PinLine(danger, from));
+  }
+}
+
+// Pawn pushes of one step and two onto squares of the set.
+template <Side Us> void AddPawnPushes(PassMoves &moves, Bitboard squares, const KingDanger &danger) {
+  const Bitboard single = SinglePushes<Us>(Pieces(Us, kPawn));
+  for (Bitboard pawns = Behind<Us>(single & squares) | Behind<Us>(Behind<Us>(DoublePushes<Us>(single) & squares));
+       pawns != 0;) {
+    const int from = PopSquare(pawns);
+    const Bitboard step = SinglePushes<Us>(Bit(from));
+    AddMoves(moves, from, (step | DoublePushes<Us>(step)) & squares & PinLine(danger, from));
+  }
+}
+
+// What discoverers add to the moves of their type: wanted moves that leave the line; pawns have a wish of their own.
+template <Side Us>
+void AddDiscoveries(PassMoves &moves, Bitboard wanted, Bitboard wantedOfPawns, const CheckTargets &checks,
+                    const KingDanger &danger) {
+  for (Bitboard men = checks.Discoverers; men != 0;) {
+    const int from = PopSquare(men);
+    const PieceType type = TypeOf(PieceOn(from));
+    const Bitboard leaving = ~Line[static_cast<unsigned>(checks.EnemyKing)][static_cast<unsigned>(from)] &
+                             (type == kPawn ? wantedOfPawns : wanted);
+    AddMoves(moves, from, type == kKing ? KingSteps<Us>(from, leaving) : LegalTargets<Us>(danger, from) & leaving);
+  }
+}
+
+// En-passant captures that give check, tried when the pawn gives it or uncovers it.
+template <Side Us> void AddEnPassantChecks(PassMoves &moves, int ply, const CheckTargets &checks) {
+  const int to = Position.EnPassantSquare;
+  for (Bitboard pawns = EnPassantCapturers<Us>(); pawns != 0;) {
+    const int from = PopSquare(pawns);
+    const bool mayCheck = Contains(checks.From[kPawn], to) || Contains(checks.Discoverers, from);
+    if (mayCheck && MoveGivesCheck(ply, from, to))
+      AddMoves(moves, from, Bit(to));
+  }
+}
+
+// Castling that gives check, tried when the king uncovers a line; a check by the rook alone is not looked for.
+template <Side Us>
+void AddCastlingChecks(PassMoves &moves, int ply, const CheckTargets &checks, const KingDanger &danger) {
+  if (!Contains(checks.Discoverers, danger.King))
+    return;
+  for (Bitboard targets = CastlingTargets<Us>(danger); targets != 0;) {
+    const int to = PopSquare(targets);
+    if (MoveGivesCheck(ply, danger.King, to))
+      AddMoves(moves, danger.King, Bit(to));
+  }
+}
+
+// Bishop moves to empty squares from which the bishop, and not from where it stands, can take the queen's target.
+template <Side Us> void AddBishopMoves(PassMoves &moves, const Node &node, const KingDanger &danger) {
+  const Bitboard diagonals = BishopAttacks(node.QueenTarget, 0);
+  for (Bitboard bishops = Pieces(Us, kBishop); bishops != 0;) {
+    const int from = PopSquare(bishops);
+    if (PieceAttacksSquare(from, node.QueenTarget))
+      continue;
+    for (Bitboard targets = LegalTargets<Us>(danger, from) & ~Occupied() & diagonals; targets != 0;) {
+      const int to = PopSquare(targets);
+      MakeMoveOf<Us>(from, to);
+      const bool counts = PieceAttacksSquare(to, node.QueenTarget) && IsLegalMove(to, node.QueenTarget);
+      RestoreState(node.Ply);
+      if (counts)
+        AddMoves(moves, from, Bit(to));
+    }
+  }
+}
+
+// Everything that a forced node tries: all legal moves.
+template <Side Us> void AddAllMoves(PassMoves &moves, const KingDanger &danger) {
+  for (Bitboard men = Position.BySide[Us]; men != 0;) {
+    const int from = PopSquare(men);
+    AddMoves(moves, from, LegalTargets<Us>(danger, from));
+  }
+}
+
+// The first pass of a node that is not forced, in the capture zone: captures, en passant, promotions, fork pushes and
+// bishop moves.
+template <Side Us> void AddCaptureZoneMoves(PassMoves &moves, const Node &node, const KingDanger &danger) {
+  const Bitboard victims = Position.BySide[Opposite(Us)] & ~Pieces(kKing);
+  AddPieceMoves<Us>(moves, {victims, 0}, CheckTargets{}, danger);
+  AddPawnCaptures<Us>(moves, victims, danger);
+  AddMoves(moves, danger.King, KingSteps<Us>(danger.King, victims));
+  for (Bitboard pawns = EnPassantCapturers<Us>(); pawns != 0;)
+    AddMoves(moves, PopSquare(pawns), Bit(Position.EnPassantSquare));
+  const bool withForks = node.QuietCredit > 0 && node.Ply < kForkPushLimit;
+  AddPawnPushes<Us>(moves, kLastRows | (withForks ? PawnForkSquares<Us>() : 0), danger);
+  if (node.QueenTarget != kNoSquare)
+    AddBishopMoves<Us>(moves, node, danger);
+}
+
+// The first pass of a node that is not forced, in the recapture zone: recaptures on the square of the enemy's last
+// capture, and other captures that give check.
+template <Side Us> void AddRecaptures(PassMoves &moves, const Node &node, const KingDanger &danger) {
+  const Bitboard victims = Position.BySide[Opposite(Us)] & ~Pieces(kKing);
+  const Bitboard retaken = victims & UndoStack[static_cast<unsigned>(node.Ply - 1)].BySide[Us];
+  const Bitboard others = node.Ply < kCheckLimit ? victims & ~retaken : 0;
+  if ((retaken | others) == 0)
+    return;
+  const CheckTargets checks = FindCheckTargets<Us>();
+  AddPieceMoves<Us>(moves, {retaken, others}, checks, danger);
+  AddPawnCaptures<Us>(moves, retaken | (others & checks.From[kPawn]), danger);
+  AddMoves(moves, danger.King, KingSteps<Us>(danger.King, retaken));
+  AddDiscoveries<Us>(moves, others, others, checks, danger);
+}
+
+// The second pass: quiet moves that give check. Promotions and en passant have had their turn in the capture zone.
+template <Side Us> void AddQuietChecks(PassMoves &moves, const Node &node, const KingDanger &danger) {
+  const bool captureZone = node.Depth > 0;
+  const Bitboard empty = ~Occupied();
+  const CheckTargets checks = FindCheckTargets<Us>();
+  AddPieceMoves<Us>(moves, {0, empty}, checks, danger);
+  AddPawnPushes<Us>(moves, checks.From[kPawn], danger);
+  if (checks.Discoverers != 0) {
+    AddDiscoveries<Us>(moves, empty, empty & ~EnPassantSet() & ~(captureZone ? kLastRows : 0), checks, danger);
+    AddCastlingChecks<Us>(moves, node.Ply, checks, danger);
+  }
+  if (!captureZone)
+    AddEnPassantChecks<Us>(moves, node.Ply, checks);
+}
+
+bool MayPlayQuietCheck(const Node &node) { return QuietLineNodes < kQuietCheckNodeBudget || node.ExtraChecks > 0; }
+
+enum MoveKind { kOrdinaryMove, kQuietCheck, kForkPush, kBishopMove };
+
+// What a move of the first pass is tried as; the second pass holds quiet checks alone.
+MoveKind FirstPassKind(const Node &node, bool forced, int from, int to) {
+  if (forced || PieceOn(to) != kNoPiece)
+    return kOrdinaryMove;
+  const PieceType type = TypeOf(PieceOn(from));
+  if (type == kBishop && node.QueenTarget != kNoSquare)
+    return kBishopMove;
+  const bool isPush = type == kPawn && FileOf(from) == FileOf(to);
+  return isPush && !Contains(kLastRows, to) ? kForkPush : kOrdinaryMove;
+}
+
+template <Side Us> int Search(Node node);
+
+// Plays one move and returns the child's score.
+template <Side Us> int SearchMove(Node &node, MoveKind kind, int from, int to) {
+  const int decayed = node.FloorPlies > 1 ? node.FloorPlies - 1 : 0;
+  Node child;
+  child.Ply = node.Ply + 1;
+  child.Alpha = node.Alpha;
+  child.Beta = node.Beta;
+  child.Forced = kind == kForkPush || kind == kBishopMove ? kForkOnBoard : kNotForced;
+  child.FloorPlies = kind == kBishopMove ? kExtraFloorPlies : decayed;
+  if (kind == kOrdinaryMove) {
+    child.Depth = node.Depth - 1;
+    child.QuietCredit = node.QuietCredit - (node.Forced == kPawnForkThreat ? 1 : 0);
+  } else {
+    child.Depth = node.Depth + 1;
+    child.QuietCredit = node.QuietCredit - 1;
+    if (kind == kQuietCheck && QuietLineNodes >= kQuietCheckNodeBudget) {
+      --node.ExtraChecks;
+      child.FloorPlies = kExtraFloorPlies;
+    }
+    ++QuietLineDepth;
+  }
+  MakeMoveOf<Us>(from, to);
+  const int score = Search<Opposite(Us)>(child);
+  if (kind != kOrdinaryMove)
+    --QuietLineDepth;
+  RestoreState(node.Ply);
+  return score;
+}
+
+// Takes a child's score in; true when the node is cut.
+template <Side Us> bool Improve(Node &node, int score) {
+  if constexpr (Us == kWhite) {
+    node.Best = std::max(node.Best, score);
+    node.Alpha = std::max(node.Alpha, node.Best);
+  } else {
+    node.Best = std::min(node.Best, score);
+    node.Beta = std::min(node.Beta, node.Best);
+  }
+  return node.Alpha >= node.Beta;
+}
+
+// Tries the moves of a pass in scan order; true when the node is cut or the search stopped.
+template <Side Us> bool TryMoves(Node &node, const PassMoves &moves, bool quietChecks, bool forced) {
+  for (Bitboard froms = moves.Froms; froms != 0;) {
+    const int from = PopSquare(froms);
+    for (Bitboard targets = moves.Targets[static_cast<unsigned>(from)]; targets != 0;) {
+      const int to = PopSquare(targets);
+      const MoveKind kind = quietChecks ? kQuietCheck : FirstPassKind(node, forced, from, to);
+      if (kind == kQuietCheck && !MayPlayQuietCheck(node))
+        return false;
+      if (kind == kBishopMove && node.BishopMoves++ >= kBishopMovesPerNode)
+        continue;
+      const int score = SearchMove<Us>(node, kind, from, to);
+      if (SearchAborted || Improve<Us>(node, score))
+        return true;
+    }
+  }
+  return false;
+}
+
+// Threats from the side that has just moved: with one, the node must answer and has no stand-pat.
+template <Side Us> int ForcedReplyOf(const Node &node, int remaining) {
+  constexpr Side them = Opposite(Us);
+  if (node.Forced != kNotForced || node.Ply >= kThreatLimit || remaining < 2)
+    return node.Forced;
+  if (node.QuietCredit >= 2 && QuietLineNodes < kQuietCheckNodeBudget && HasPawnForkPush<them>())
+    return kPawnForkThreat;
+  if (node.Ply >= 2 && node.QuietCredit == kEntryCredit && node.Ply == CurrentDepth &&
+      HasFreshKnightFork<them>(node.Ply))
+    return kForkOnBoard;
+  return kNotForced;
+}
+
+// Quiet checks that a node may play after the budget is used up: the horizon node, and the own move two plies later.
+int ExtraChecksOf(const Node &node) {
+  if (node.QuietCredit == kEntryCredit && node.Ply == CurrentDepth)
+    return kHorizonExtraChecks;
+  const bool followsUp = node.QuietCredit == kEntryCredit - 1 && QuietLineDepth > 0 && node.Ply < kForkPushLimit &&
+                         node.Ply == CurrentDepth + 2 && QuietLineNodes >= kQuietCheckNodeBudget;
+  return followsUp ? kFollowUpExtraChecks : 0;
+}
+
+template <Side Us> int QueenTargetOf(const Node &node, int remaining) {
+  const bool wanted = node.QuietCredit >= 2 && node.Ply < kBishopMoveLimit && (remaining >= 2 || node.FloorPlies > 0) &&
+                      QuietLineDepth > 0 && node.Ply == CurrentDepth + 2;
+  return wanted ? FindQueenTarget<Us>() : kNoSquare;
+}
+
+// Counts the node and returns the depth that its kind of line still allows.
+int CountNode(int remaining) {
+  int &counter = QuietLineDepth > 0 ? QuietLineNodes : PlainLineNodes;
+  const int cap = QuietLineDepth > 0 ? kQuietLineNodeCap : kPlainLineNodeCap;
+  const bool capped = counter >= cap;
+  ++counter;
+  ++Nodes;
+  return capped ? std::min(remaining, 1) : remaining;
+}
+
+// The two passes of a node.
+template <Side Us> int TryPasses(Node &node, const KingDanger &danger, bool forced) {
+  SaveState(node.Ply);
+  PassMoves moves;
+  moves.Froms = 0;
+  if (forced)
+    AddAllMoves<Us>(moves, danger);
+  else if (node.Depth > 0)
+    AddCaptureZoneMoves<Us>(moves, node, danger);
+  else
+    AddRecaptures<Us>(moves, node, danger);
+  if (TryMoves<Us>(node, moves, false, forced))
+    return node.Best;
+  if (forced || node.QuietCredit <= 0 || node.Ply >= kCheckLimit || !MayPlayQuietCheck(node))
+    return node.Best;
+  moves.Froms = 0;
+  AddQuietChecks<Us>(moves, node, danger);
+  TryMoves<Us>(node, moves, true, false);
+  return node.Best;
+}
+
+template <Side Us> int Search(Node node) {
+  if (PollStop() || IsRepetitionDraw(Us, node.Ply))
+    return 0;
+  const int remaining = std::min(kLastPly - node.Ply, node.Depth);
+  const KingDanger danger = FindKingDanger<Us>();
+  const bool inCheck = danger.Checkers != 0;
+  node.ExtraChecks = 0;
+  node.BishopMoves = 0;
+  node.QueenTarget = kNoSquare;
+  if (!inCheck) {
+    node.Forced = ForcedReplyOf<Us>(node, remaining);
+    if (node.Forced == kNotForced) {
+      node.ExtraChecks = ExtraChecksOf(node);
+      node.QueenTarget = QueenTargetOf<Us>(node, remaining);
+    }
+  }
+  if (!HasLegalMoveOf<Us>(danger))
+    return inCheck ? MatedScore(Us, node.Ply) : 0;
+  node.Depth = CountNode(remaining);
+  if (Position.HalfmoveClock >= kFiftyMoveLimit || IsInsufficientMaterial())
+    return 0;
+
+  if (node.Ply >= kLastPly)
+    return Evaluate();
+  if (node.Depth <= 0 && (node.FloorPlies > 0 || inCheck))
+    node.Depth = 1;
+  const bool forced = inCheck || node.Forced != kNotForced;
+  node.Best = Us == kWhite ? -kInfinity : kInfinity;
+  if (!forced && Improve<Us>(node, Evaluate()))
+    return node.Best;
+  return TryPasses<Us>(node, danger, forced);
+}
+
+} // namespace
+
+void ResetQuiescenceCounters() { QuietLineDepth = QuietLineNodes = PlainLineNodes = 0; }
+
+template <Side Us> int EnterQuiescence(int ply, int alpha, int beta) {
+  ResetQuiescenceCounters();
+  Node node;
+  node.Depth = kEntryDepth;
+  node.Ply = ply;
+  node.Alpha = alpha;
+  node.Beta = beta;
+  node.QuietCredit = kEntryCredit;
+  node.Forced = kNotForced;
+  node.FloorPlies = 0;
+  return Search<Us>(node);
+}
+
+template int EnterQuiescence<kWhite>(int ply, int alpha, int beta);
+template int EnterQuiescence<kBlack>(int ply, int alpha, int beta);
+
+} // namespace zorvane

@@ -1,0 +1,152 @@
+#include "search/search_driver.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+
+#include "board/legal_moves.h"
+#include "board/move_text.h"
+#include "evaluation/evaluate.h"
+#include "quiescence/killers_history.h"
+#include "quiescence/quiescence_search.h"
+#include "search/best_line.h"
+#include "search/root_search.h"
+#include "search/stop_control.h"
+
+namespace zorvane {
+
+int MaxDepth;
+double TimeLimitSeconds;
+int CurrentDepth;
+std::int64_t Nodes;
+PackedMove PreviousBestMove;
+SearchResult Result;
+int CompletedDepth;
+double ElapsedMs;
+int LegalMoveCount;
+SearchResult FallbackBest;
+bool HaveFallbackBest;
+
+namespace {
+
+// The first legal move in scan order with the static evaluation: the answer when nothing was searched. False when
+// there is no legal move.
+template <Side Us> bool FindDefaultMove(SearchResult &found) {
+  const KingDanger danger = FindKingDanger<Us>();
+  for (Bitboard men = Position.BySide[Us]; men != 0;) {
+    const int from = PopSquare(men);
+    const Bitboard targets = LegalTargets<Us>(danger, from);
+    if (targets == 0)
+      continue;
+    found.BestMove = PackMove(from, LowestSquare(targets));
+    MoveText(found.BestMoveText, PieceOn(from), from, LowestSquare(targets));
+    return true;
+  }
+  return false;
+}
+
+void BeginSearch() {
+  RootResults.Count = PreviousRootResults.Count = 0;
+  HaveFallbackBest = false;
+  Result.BestMoveReason = 0;
+  PreviousBestMove = kNoMove;
+  DeadlineArmed = SearchAborted = false;
+  CompletedDepth = 0;
+  ElapsedMs = 0;
+  NodesToStopTest = 0;
+  FinalPvClear();
+  ClearKillers();
+  ClearHistory();
+}
+
+// Deepens until a limit, a stop or a mate; kept takes the result of each finished iteration. Returns all nodes.
+std::int64_t Iterate(SearchResult &kept) {
+  std::int64_t total = 0;
+  for (CurrentDepth = 1; CurrentDepth <= MaxDepth; ++CurrentDepth) {
+    if (ShouldStop())
+      break;
+    Nodes = 0;
+    ClearKillers();
+    SearchRoot();
+    total += Nodes;
+    if (SearchAborted)
+      break;
+    CompletedDepth = CurrentDepth;
+    PreviousRootResults = RootResults;
+    kept = Result;
+    FinalPvClear();
+    FinalPvCopy();
+    PreviousBestMove = Result.BestMove;
+    if (Absolute(kept.BestScore) >= kMateThreshold) {
+      SearchAborted = true;
+      break;
+    }
+  }
+  return total;
+}
+
+std::array<char, 64> ScoreText() {
+  std::array<char, 64> text{};
+  const int size = Absolute(Result.BestScore);
+  const bool isBad = (Result.BestScore < 0) != (RootSide == kBlack) && Result.BestScore != 0;
+  const int sign = isBad ? -1 : 1;
+  if (size >= kMateThreshold)
+    std::snprintf(text.data(), text.size(), "mate %d", sign * ((std::max(kMateValue - size, 0) + 1) / 2));
+  else
+    std::snprintf(text.data(), text.size(), "cp %d", sign * size);
+  return text;
+}
+
+} // namespace
+
+void ResetSearchState() {
+  MaxDepth = kDepthLimit;
+  TimeLimitSeconds = kDefaultTimeLimitSeconds;
+  CurrentDepth = 1;
+  Nodes = 0;
+  PreviousBestMove = kNoMove;
+  Result = {};
+  Result.BestMove = kNoMove;
+  BoundedStringFromText(Result.BestMoveText, "---");
+  FallbackBest = Result;
+  CompletedDepth = 0;
+  ElapsedMs = 0;
+  LegalMoveCount = 0;
+}
+
+void RunSearch() {
+  BeginSearch();
+  const double start = ProgramClock();
+  Deadline = start + TimeLimitSeconds * 1000.0;
+  SearchResult kept{};
+  if (!(RootSide == kWhite ? FindDefaultMove<kWhite>(kept) : FindDefaultMove<kBlack>(kept))) {
+    CurrentDepth = 1;
+    SearchRoot();
+    ElapsedMs = ProgramClock() - start;
+    return;
+  }
+  LegalMoveCount = CountLegalMoves(RootSide);
+  kept.BestScore = Evaluate();
+  DeadlineArmed = true;
+  const std::int64_t total = Iterate(kept);
+  if (CompletedDepth == 0 && HaveFallbackBest)
+    kept = FallbackBest;
+  PreviousBestMove = kNoMove;
+  DeadlineArmed = false;
+  Result = kept;
+  Nodes = total;
+  ElapsedMs = ProgramClock() - start;
+}
+
+void PrintSearchResult() {
+  const bool hasMove = Result.BestMove != kNoMove;
+  const char *move = Result.BestMoveText.Text.data();
+  const double rate = static_cast<double>(Nodes) * 1000.0 / (ElapsedMs > 0 ? ElapsedMs : 1.0);
+  std::printf("info depth %d score %s nodes %lld time %d nps %lld pv %s\n", CompletedDepth, ScoreText().data(),
+              static_cast<long long>(Nodes), static_cast<int>(ElapsedMs), static_cast<long long>(rate),
+              hasMove ? move : "");
+  std::printf("bestmove %s\n", hasMove ? move : "0000");
+  std::fflush(stdout);
+}
+
+} // namespace zorvane

@@ -1,0 +1,84 @@
+#include "search/transposition_table.h"
+
+#include "board/rules.h"
+#include "search/best_line.h"
+#include "search/stop_control.h"
+
+namespace zorvane {
+
+int TranspositionSizeKb;
+int TranspositionSlots;
+bool UseTranspositionMoves;
+std::array<PackedMove, 9> HashMove;
+
+namespace {
+
+constexpr std::size_t kNoSlot = static_cast<std::size_t>(-1);
+
+// What a node's probe leaves for its store.
+struct PreparedStore {
+  PositionKey Key;
+  std::size_t Offset;
+  int Generation;
+};
+
+std::array<PreparedStore, 9> Prepared;
+
+// Raised with every new table, so that a store can see that the table is no longer the one it probed.
+int TranspositionGeneration;
+
+bool IsOwnLegalMove(Side side, PackedMove move) {
+  const int from = FromOf(move);
+  return Contains(Position.BySide[side], from) && IsLegalMove(from, ToOf(move));
+}
+
+} // namespace
+
+void ResizeTransposition(int sizeKb) {
+  if (sizeKb != 0 && sizeKb != 512 && sizeKb != 1024)
+    return;
+  ++TranspositionGeneration;
+  TranspositionSizeKb = sizeKb;
+  TranspositionSlots = sizeKb * kSlotsPerKb;
+  AllocateBlock(kTranspositionBlock, static_cast<std::size_t>(TranspositionSlots) * sizeof(TranspositionSlot));
+}
+
+PackedMove ProbeTransposition(int ply, Side side) {
+  PreparedStore &prepared = Prepared[static_cast<unsigned>(ply)];
+  prepared.Offset = kNoSlot;
+  prepared.Generation = TranspositionGeneration;
+  HashMove[static_cast<unsigned>(ply)] = kNoMove;
+  if (!UseTranspositionMoves || TranspositionSlots == 0)
+    return kNoMove;
+  const TranspositionSlot &slot = CurrentSlot();
+  prepared.Key = TranspositionKey(side);
+  prepared.Offset = static_cast<std::size_t>(reinterpret_cast<const std::byte *>(&slot) -
+                                             &RecordAt<std::byte>(kTranspositionBlock, 0));
+  if (slot.State == kSlotEmpty || !(slot.Key == prepared.Key) || slot.Move == kNoMove)
+    return kNoMove;
+  return IsOwnLegalMove(side, slot.Move) ? slot.Move : kNoMove;
+}
+
+bool ProbeHashMove(int ply, Side side) {
+  const PackedMove probed = ProbeTransposition(ply, side);
+  PackedMove &first = HashMove[static_cast<unsigned>(ply)];
+  first = PvMoveAtPly(ply, side) ? FinalPv[static_cast<unsigned>(ply)].Move : probed;
+  return first != kNoMove;
+}
+
+void StoreTransposition(int ply) {
+  if (!UseTranspositionMoves || TranspositionSlots == 0 || SearchAborted)
+    return;
+  const PreparedStore &prepared = Prepared[static_cast<unsigned>(ply)];
+  const PackedMove best = PvBestMove(ply);
+  if (prepared.Generation != TranspositionGeneration || prepared.Offset == kNoSlot || best == kNoMove)
+    return;
+  auto &slot = RecordAt<TranspositionSlot>(kTranspositionBlock, prepared.Offset);
+  if (slot.State == kSlotEmpty || !(slot.Key == prepared.Key)) {
+    slot.Key = prepared.Key;
+    slot.State = kSlotKeyOnly;
+  }
+  slot.Move = best;
+}
+
+} // namespace zorvane

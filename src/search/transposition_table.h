@@ -1,0 +1,62 @@
+// The memory of positions: per position its best move and its static evaluation, and nothing else.
+//
+// One position per slot, chosen by the board alone; another position on the same slot simply takes it over. The
+// table never ends a search: it names the move to try first and saves repeated evaluations. What stands in a slot
+// steers the move order, so every displacement is part of the engine's behaviour.
+#pragma once
+
+#include "board/memory_block.h"
+#include "board/position_key.h"
+
+namespace zorvane {
+
+enum SlotState : std::uint8_t {
+  kSlotEmpty = 0,
+  kSlotEvaluated = 1, // key and evaluation hold
+  kSlotKeyOnly = 2    // the key holds, there is no evaluation
+};
+
+struct alignas(64) TranspositionSlot {
+  PositionKey Key;
+  std::int32_t Evaluation;
+  PackedMove Move; // kNoMove for none
+  SlotState State;
+};
+
+constexpr int kDefaultTableKb = 1024;
+constexpr int kSlotsPerKb = 8;
+
+extern int TranspositionSizeKb; // 0, 512 or 1024; 0 means no table
+extern int TranspositionSlots;  // 8 for each KiB
+
+// Request flag 1. With it off no move is read or stored, while evaluations are still remembered.
+extern bool UseTranspositionMoves;
+
+// The first move of each ply's node, kNoMove for none. Written by the probes.
+extern std::array<PackedMove, 9> HashMove;
+
+// The key of the position in the table: unlike a PositionKey it takes the en-passant square as it stands.
+inline PositionKey TranspositionKey(Side side) { return MakePositionKey(Position, side, Position.EnPassantSquare); }
+
+// The slot of the board. There must be a table.
+inline TranspositionSlot &CurrentSlot() {
+  const std::size_t index = BoardHash() & static_cast<std::uint32_t>(TranspositionSlots - 1);
+  return RecordAt<TranspositionSlot>(kTranspositionBlock, index * sizeof(TranspositionSlot));
+}
+
+// Makes an empty table of that size, 0, 512 or 1024 KiB; any other size is ignored. Ends the process with exit code 2
+// when there is no memory.
+void ResizeTransposition(int sizeKb);
+
+// The move stored for the position with side to move, when it is legal, else kNoMove. Prepares the store of the same
+// ply, 0 to 8.
+PackedMove ProbeTransposition(int ply, Side side);
+
+// Sets HashMove of the ply: the best line's move where the search stands on it, else the table's. False when there
+// is none.
+bool ProbeHashMove(int ply, Side side);
+
+// Stores the best move of the ply's line for the position of its probe. Does nothing once the search is aborted.
+void StoreTransposition(int ply);
+
+} // namespace zorvane
