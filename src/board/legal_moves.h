@@ -12,12 +12,14 @@ namespace zorvane {
 struct KingDanger {
   int King;
   Bitboard Checkers;
-  Bitboard Pinned;    // own men that may move along the line with their king alone
-  Bitboard Resolving; // where a man other than the king may go: all squares, or those that answer the one check
+  Bitboard Resolving;   // where a man other than the king may go: all squares, or those that answer the one check
+  Bitboard RookReach;   // what the king sees along rows and files,
+  Bitboard BishopReach; // and along diagonals
+  Bitboard Pinned;      // own men that may move along the line with their king alone; set by FindPins
 };
 
-// The pieces that shield the square from sliders: pieces of the set shields, alone on a line between the
-// square and one of the sliders given. rookReach and bishopReach are the attacks from the square.
+// The pieces of the set shields that stand alone between the square and one of the sliders given. rookReach and
+// bishopReach are the attacks from the square.
 inline Bitboard Shields(int square, Bitboard shields, Bitboard rookReach, Bitboard bishopReach, Bitboard straight,
                         Bitboard diagonal) {
   const Bitboard occupied = Occupied();
@@ -29,25 +31,35 @@ inline Bitboard Shields(int square, Bitboard shields, Bitboard rookReach, Bitboa
   return found;
 }
 
-template <Side Us> inline KingDanger FindKingDanger() {
+// Everything but the pins, which many nodes can do without.
+template <Side Us> inline KingDanger FindCheckers() {
   constexpr Side them = Opposite(Us);
   KingDanger danger;
-  const int king = danger.King = FindKingSquare(Us);
-  const auto place = static_cast<unsigned>(king);
-  const Bitboard occupied = Occupied();
-  const Bitboard straight = Pieces(them, kRook, kQueen);
-  const Bitboard diagonal = Pieces(them, kBishop, kQueen);
-  const Bitboard rookReach = RookAttacks(king, occupied);
-  const Bitboard bishopReach = BishopAttacks(king, occupied);
-  danger.Checkers = (rookReach & straight) | (bishopReach & diagonal) |
-                    (((KnightAttacks[place] & Pieces(kKnight)) | (PawnAttacks[Us][place] & Pieces(kPawn)) |
-                      (KingAttacks[place] & Pieces(kKing))) &
-                     Position.BySide[them]);
-  danger.Pinned = Shields(king, Position.BySide[Us], rookReach, bishopReach, straight, diagonal);
-  danger.Resolving = danger.Checkers == 0 ? kAllSquares
-                     : HasSeveral(danger.Checkers)
-                         ? 0
-                         : danger.Checkers | Between[place][static_cast<unsigned>(LowestSquare(danger.Checkers))];
+  danger.King = FindKingSquare(Us);
+  const auto place = static_cast<unsigned>(danger.King);
+  danger.RookReach = RookAttacks(danger.King, Occupied());
+  danger.BishopReach = BishopAttacks(danger.King, Occupied());
+  danger.Checkers = ((danger.RookReach & Pieces(kRook, kQueen)) | (danger.BishopReach & Pieces(kBishop, kQueen)) |
+                     (KnightAttacks[place] & Pieces(kKnight)) | (PawnAttacks[Us][place] & Pieces(kPawn)) |
+                     (KingAttacks[place] & Pieces(kKing))) &
+                    Position.BySide[them];
+  danger.Resolving = kAllSquares;
+  if (danger.Checkers != 0)
+    danger.Resolving = HasSeveral(danger.Checkers)
+                           ? 0
+                           : danger.Checkers | Between[place][static_cast<unsigned>(LowestSquare(danger.Checkers))];
+  return danger;
+}
+
+template <Side Us> inline void FindPins(KingDanger &danger) {
+  constexpr Side them = Opposite(Us);
+  danger.Pinned = Shields(danger.King, Position.BySide[Us], danger.RookReach, danger.BishopReach,
+                          Pieces(them, kRook, kQueen), Pieces(them, kBishop, kQueen));
+}
+
+template <Side Us> inline KingDanger FindKingDanger() {
+  KingDanger danger = FindCheckers<Us>();
+  FindPins<Us>(danger);
   return danger;
 }
 
@@ -112,57 +124,103 @@ template <Side Us> inline Bitboard DoublePushes(Bitboard singlePushes) {
   return Ahead<Us>(singlePushes & firstStep) & ~Occupied();
 }
 
-// The to-squares of all legal moves of the man on from.
-template <Side Us> inline Bitboard LegalTargets(const KingDanger &danger, int from) {
-  constexpr Side them = Opposite(Us);
-  const auto place = static_cast<unsigned>(from);
-  const Bitboard allowed = danger.Resolving & PinLine(danger, from) & ~Position.BySide[Us] & ~Pieces(kKing);
-  switch (TypeOf(PieceOn(from))) {
-  case kPawn: {
-    const Bitboard single = SinglePushes<Us>(Bit(from));
-    const Bitboard captures = PawnAttacks[Us][place] & Position.BySide[them];
-    Bitboard targets = (single | DoublePushes<Us>(single) | captures) & allowed;
-    if (Position.EnPassantSquare != kNoSquare && Contains(PawnAttacks[Us][place], Position.EnPassantSquare) &&
-        IsEnPassantMove(from, Position.EnPassantSquare) && IsLegalMove(from, Position.EnPassantSquare))
-      targets |= Bit(Position.EnPassantSquare);
-    return targets;
+// Sets of moves: to-squares by from-square, meaningful for the squares of Froms alone.
+struct MoveSets {
+  Bitboard Froms;
+  std::array<Bitboard, kSquares> Targets;
+};
+
+// The first entry for a from-square; an empty one leaves no trace.
+inline void SetMoves(MoveSets &moves, int from, Bitboard targets) {
+  moves.Targets[static_cast<unsigned>(from)] = targets;
+  moves.Froms |= static_cast<Bitboard>(targets != 0) << from;
+}
+
+// A further entry for a from-square that may have one.
+inline void AddMoves(MoveSets &moves, int from, Bitboard targets) {
+  const Bitboard known = Contains(moves.Froms, from) ? moves.Targets[static_cast<unsigned>(from)] : 0;
+  SetMoves(moves, from, known | targets);
+}
+
+// The squares that each kind of piece may go to.
+struct PieceSquares {
+  Bitboard Rook;
+  Bitboard Knight;
+  Bitboard Bishop;
+  Bitboard Queen;
+};
+
+// Moves of rooks, knights, bishops and queens to the squares given; pins are looked at, checks are not.
+template <Side Us> inline void SetPieceMoves(MoveSets &moves, const PieceSquares &squares, const KingDanger &danger) {
+  const Bitboard occupied = Occupied();
+  for (Bitboard rooks = Pieces(Us, kRook); rooks != 0;) {
+    const int from = PopSquare(rooks);
+    SetMoves(moves, from, RookAttacks(from, occupied) & squares.Rook & PinLine(danger, from));
   }
-  case kRook:
-    return RookAttacks(from, Occupied()) & allowed;
-  case kKnight:
-    return KnightAttacks[place] & allowed;
-  case kBishop:
-    return BishopAttacks(from, Occupied()) & allowed;
-  case kQueen:
-    return QueenAttacks(from, Occupied()) & allowed;
-  case kKing:
-    return KingSteps<Us>(danger.King, kAllSquares) | CastlingTargets<Us>(danger);
-  default:
-    return 0;
+  for (Bitboard knights = Pieces(Us, kKnight) & ~danger.Pinned; knights != 0;) {
+    const int from = PopSquare(knights);
+    SetMoves(moves, from, KnightAttacks[static_cast<unsigned>(from)] & squares.Knight);
+  }
+  for (Bitboard bishops = Pieces(Us, kBishop); bishops != 0;) {
+    const int from = PopSquare(bishops);
+    SetMoves(moves, from, BishopAttacks(from, occupied) & squares.Bishop & PinLine(danger, from));
+  }
+  for (Bitboard queens = Pieces(Us, kQueen); queens != 0;) {
+    const int from = PopSquare(queens);
+    SetMoves(moves, from, QueenAttacks(from, occupied) & squares.Queen & PinLine(danger, from));
   }
 }
 
-// True when Us has a legal move.
-template <Side Us> inline bool HasLegalMoveOf(const KingDanger &danger) {
-  if (danger.Checkers == 0) {
-    // A push or a knight's jump of a man that is not pinned settles it nearly always.
-    const Bitboard freeMen = Position.BySide[Us] & ~danger.Pinned;
-    if (SinglePushes<Us>(freeMen & Pieces(kPawn)) != 0)
-      return true;
+// Moves of pawns: captures among the enemies given and pushes onto the squares given, en passant apart.
+template <Side Us>
+inline void SetPawnMoves(MoveSets &moves, Bitboard enemies, Bitboard pushSquares, const KingDanger &danger) {
+  const Bitboard pawns = Pieces(Us, kPawn);
+  const Bitboard single = SinglePushes<Us>(pawns);
+  const Bitboard twice = DoublePushes<Us>(single) & pushSquares;
+  for (Bitboard movers =
+           ((PawnCaptures<Opposite(Us)>(enemies) | Behind<Us>(single & pushSquares) | Behind<Us>(Behind<Us>(twice))) &
+            pawns);
+       movers != 0;) {
+    const int from = PopSquare(movers);
+    const Bitboard step = Ahead<Us>(Bit(from)) & single;
+    const Bitboard pushes = (step & pushSquares) | (Ahead<Us>(step) & twice);
+    SetMoves(moves, from, ((PawnAttacks[Us][static_cast<unsigned>(from)] & enemies) | pushes) & PinLine(danger, from));
   }
-  Bitboard men = Position.BySide[Us];
-  while (men != 0)
-    if (LegalTargets<Us>(danger, PopSquare(men)) != 0)
-      return true;
-  return false;
+}
+
+// All legal moves.
+template <Side Us> inline void SetLegalMoves(MoveSets &moves, const KingDanger &danger) {
+  moves.Froms = 0;
+  SetMoves(moves, danger.King, KingSteps<Us>(danger.King, kAllSquares) | CastlingTargets<Us>(danger));
+  if (danger.Resolving == 0)
+    return;
+  const Bitboard allowed = danger.Resolving & ~Position.BySide[Us] & ~Pieces(kKing);
+  SetPieceMoves<Us>(moves, {allowed, allowed, allowed, allowed}, danger);
+  SetPawnMoves<Us>(moves, allowed & Position.BySide[Opposite(Us)], allowed, danger);
+  for (Bitboard pawns = EnPassantCapturers<Us>(); pawns != 0;)
+    AddMoves(moves, PopSquare(pawns), EnPassantSet());
+}
+
+// True when Us has a legal move. Pins need not have been found.
+template <Side Us> inline bool HasLegalMoveOf(const KingDanger &danger) {
+  // A man that its king does not see cannot be pinned; a push of such a pawn settles it nearly always.
+  const Bitboard unseen = Pieces(Us, kPawn) & ~(danger.RookReach | danger.BishopReach);
+  if (danger.Checkers == 0 && SinglePushes<Us>(unseen) != 0)
+    return true;
+  KingDanger pinned = danger;
+  FindPins<Us>(pinned);
+  MoveSets moves;
+  SetLegalMoves<Us>(moves, pinned);
+  return moves.Froms != 0;
 }
 
 // The number of legal moves of Us, each promotion counted as one move.
 template <Side Us> inline int CountLegalMovesOf(const KingDanger &danger) {
+  MoveSets moves;
+  SetLegalMoves<Us>(moves, danger);
   int count = 0;
-  Bitboard men = Position.BySide[Us];
-  while (men != 0)
-    count += CountSquares(LegalTargets<Us>(danger, PopSquare(men)));
+  for (Bitboard froms = moves.Froms; froms != 0;)
+    count += CountSquares(moves.Targets[static_cast<unsigned>(PopSquare(froms))]);
   return count;
 }
 

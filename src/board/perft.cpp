@@ -63,11 +63,12 @@ template <Side Us> std::uint64_t PerftOf(int depth) {
   const KingDanger danger = FindKingDanger<Us>();
   const BoardState saved = Position;
   std::uint64_t leaves = 0;
-  Bitboard men = Position.BySide[Us];
-  while (men != 0) {
-    const int from = PopSquare(men);
+  MoveSets moves;
+  SetLegalMoves<Us>(moves, danger);
+  for (Bitboard froms = moves.Froms; froms != 0;) {
+    const int from = PopSquare(froms);
     const bool isPawn = TypeOf(PieceOn(from)) == kPawn;
-    Bitboard targets = LegalTargets<Us>(danger, from);
+    Bitboard targets = moves.Targets[static_cast<unsigned>(from)];
     while (targets != 0) {
       const int to = PopSquare(targets);
       MakeMoveOf<Us>(from, to);

@@ -100,8 +100,7 @@ void PutPiece(int square, Piece piece) {
   Position.ByType[static_cast<unsigned>(TypeOf(piece) - 1)] |= Bit(square);
   Position.Board[static_cast<unsigned>(square)] = piece;
   Position.BoardSum += term.Hash;
-  if (TypeOf(piece) == kPawn)
-    Position.PawnSum += term.Hash;
+  Position.PawnSum += term.PawnHash;
   Position.PlacementScore += term.Placement;
   Position.MaterialSum += term.Material;
 }
@@ -113,8 +112,7 @@ void RemovePiece(int square) {
   Position.ByType[static_cast<unsigned>(TypeOf(piece) - 1)] &= ~Bit(square);
   Position.Board[static_cast<unsigned>(square)] = kNoPiece;
   Position.BoardSum -= term.Hash;
-  if (TypeOf(piece) == kPawn)
-    Position.PawnSum -= term.Hash;
+  Position.PawnSum -= term.PawnHash;
   Position.PlacementScore -= term.Placement;
   Position.MaterialSum -= term.Material;
 }

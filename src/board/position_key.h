@@ -12,7 +12,10 @@ struct PositionKey {
   std::array<Bitboard, 4> Squares; // three bits of type and one of colour for each square
   std::uint32_t Rest;              // side to move, moved flags, en-passant square
 
-  bool operator==(const PositionKey &other) const = default;
+  bool operator==(const PositionKey &other) const {
+    return ((Squares[0] ^ other.Squares[0]) | (Squares[1] ^ other.Squares[1]) | (Squares[2] ^ other.Squares[2]) |
+            (Squares[3] ^ other.Squares[3]) | (Rest ^ other.Rest)) == 0;
+  }
 };
 
 // The key of a state with an en-passant square of the caller's choice.

@@ -109,6 +109,23 @@ void MakeMove(int from, int to) {
     MakeMoveOf<kBlack>(from, to);
 }
 
+template <Side Us> void FinishSpecialMove(PieceType type, int from, int to) {
+  if (type == kKing) {
+    RemovePiece(to > from ? from + 3 : from - 4);
+    PutPiece((from + to) / 2, MakePiece(Us, kRook));
+  } else if (Absolute(to - from) == 16) {
+    Position.EnPassantSquare = static_cast<std::uint8_t>((from + to) / 2);
+  } else if (Contains(kLastRows, to)) {
+    RemovePiece(to);
+    PutPiece(to, MakePiece(Us, kQueen));
+  } else if (FileOf(from) != FileOf(to)) {
+    RemovePiece(EnPassantVictim(from, to));
+  }
+}
+
+template void FinishSpecialMove<kWhite>(PieceType type, int from, int to);
+template void FinishSpecialMove<kBlack>(PieceType type, int from, int to);
+
 bool MoveGivesCheck(int level, int from, int to) {
   const Side them = Opposite(SideOf(PieceOn(from)));
   SaveState(level);

@@ -63,8 +63,27 @@ template <Side Us> void MakeMoveOf(int from, int to);
 // True when the legal move attacks the enemy king, tried on the board through slot level of UndoStack.
 bool MoveGivesCheck(int level, int from, int to);
 
+// Which flags a piece sets by leaving a square, or by being taken on it: a rook those of its corner, a king that of its
+// side wherever it stands.
+using MovedFlagTable = std::array<std::array<std::uint8_t, kSquares>, kPieceLimit>;
+
+constexpr MovedFlagTable MakeMovedFlagTable() {
+  MovedFlagTable table{};
+  for (unsigned square = 0; square < kSquares; ++square) {
+    for (const Side side : {kWhite, kBlack}) {
+      table[MakePiece(side, kRook)][square] = RookCornerFlag(side, static_cast<int>(square));
+      table[MakePiece(side, kKing)][square] = side == kWhite ? kWhiteKingMoved : kBlackKingMoved;
+    }
+  }
+  return table;
+}
+
+inline constexpr MovedFlagTable kMovedFlagsBy = MakeMovedFlagTable();
+
+// What a pawn's double step, en passant, promotion or castling does beyond moving one piece.
+template <Side Us> void FinishSpecialMove(PieceType type, int from, int to);
+
 template <Side Us> inline void MakeMoveOf(int from, int to) {
-  constexpr Side them = Opposite(Us);
   BoardState &state = Position;
   const auto place = [](int square) { return static_cast<unsigned>(square); };
   const Piece piece = state.Board[place(from)];
@@ -72,55 +91,29 @@ template <Side Us> inline void MakeMoveOf(int from, int to) {
   const PieceType type = TypeOf(piece);
   const SquareTerm &left = kSquareTerms[piece][place(from)];
   const SquareTerm &entered = kSquareTerms[piece][place(to)];
+  const SquareTerm &taken = kSquareTerms[captured][place(to)];
   const Bitboard change = Bit(from) | Bit(to);
 
   state.BySide[Us] ^= change;
   state.ByType[place(type - 1)] ^= change;
   state.Board[place(from)] = kNoPiece;
   state.Board[place(to)] = piece;
-  state.BoardSum += entered.Hash - left.Hash;
-  state.PlacementScore += entered.Placement - left.Placement;
-  ++state.HalfmoveClock;
-
   if (captured != kNoPiece) {
-    const SquareTerm &taken = kSquareTerms[captured][place(to)];
-    const PieceType takenType = TypeOf(captured);
-    state.BySide[them] ^= Bit(to);
-    state.ByType[place(takenType - 1)] ^= Bit(to);
-    state.BoardSum -= taken.Hash;
-    state.PlacementScore -= taken.Placement;
-    state.MaterialSum -= taken.Material;
-    state.HalfmoveClock = 0;
-    if (takenType == kPawn)
-      state.PawnSum -= taken.Hash;
-    else if (takenType == kRook)
-      state.MovedFlags |= RookCornerFlag(them, to);
+    state.BySide[Opposite(Us)] ^= Bit(to);
+    state.ByType[place(TypeOf(captured) - 1)] ^= Bit(to);
   }
+  state.BoardSum = state.BoardSum + entered.Hash - left.Hash - taken.Hash;
+  state.PawnSum = state.PawnSum + entered.PawnHash - left.PawnHash - taken.PawnHash;
+  state.PlacementScore += entered.Placement - left.Placement - taken.Placement;
+  state.MaterialSum -= taken.Material;
+  state.HalfmoveClock = captured != kNoPiece || type == kPawn ? 0 : state.HalfmoveClock + 1;
+  state.MovedFlags |= static_cast<std::uint8_t>(kMovedFlagsBy[piece][place(from)] | kMovedFlagsBy[captured][place(to)]);
 
-  const int target = state.EnPassantSquare;
+  const bool onTarget = to == state.EnPassantSquare && captured == kNoPiece;
   state.EnPassantSquare = kNoSquare;
-
-  if (type == kPawn) {
-    state.HalfmoveClock = 0;
-    state.PawnSum += entered.Hash - left.Hash;
-    if (Absolute(to - from) == 16) {
-      state.EnPassantSquare = static_cast<std::uint8_t>((from + to) / 2);
-    } else if (to == target && captured == kNoPiece && FileOf(from) != FileOf(to)) {
-      RemovePiece(MakeSquare(FileOf(to), RowOf(from)));
-    } else if (Contains(kLastRows, to)) {
-      RemovePiece(to);
-      PutPiece(to, MakePiece(Us, kQueen));
-    }
-  } else if (type == kKing) {
-    state.MovedFlags |= Us == kWhite ? kWhiteKingMoved : kBlackKingMoved;
-    if (Absolute(to - from) == 2) {
-      const int corner = to > from ? from + 3 : from - 4;
-      RemovePiece(corner);
-      PutPiece((from + to) / 2, MakePiece(Us, kRook));
-    }
-  } else if (type == kRook) {
-    state.MovedFlags |= RookCornerFlag(Us, from);
-  }
+  const int span = Absolute(to - from);
+  if ((type == kPawn && (span == 16 || onTarget || Contains(kLastRows, to))) || (type == kKing && span == 2))
+    FinishSpecialMove<Us>(type, from, to);
 }
 
 } // namespace zorvane

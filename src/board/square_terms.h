@@ -14,7 +14,8 @@ constexpr std::uint64_t kHashModulus = 2147483647;
 constexpr std::uint64_t kHashFactor = 131;
 
 struct SquareTerm {
-  std::uint64_t Hash;     // below kHashModulus
+  std::uint32_t Hash;     // below kHashModulus
+  std::uint32_t PawnHash; // the same for a pawn, 0 for any other piece
   std::int32_t Placement; // centipawns, negative for Black
   std::int32_t Material;
 };
@@ -30,7 +31,8 @@ constexpr SquareTermTable MakeSquareTerms() {
         const auto type = static_cast<PieceType>(number);
         const Piece piece = MakePiece(side, type);
         SquareTerm &term = table[piece][static_cast<unsigned>(square)];
-        term.Hash = static_cast<std::uint64_t>(PieceCode(piece)) * power % kHashModulus;
+        term.Hash = static_cast<std::uint32_t>(static_cast<std::uint64_t>(PieceCode(piece)) * power % kHashModulus);
+        term.PawnHash = type == kPawn ? term.Hash : 0;
         term.Placement = PlacementTerm(side, type, square) * (side == kWhite ? 1 : -1);
         term.Material = MaterialOf(type);
       }

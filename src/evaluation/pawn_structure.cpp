@@ -13,11 +13,6 @@ namespace {
 
 constexpr std::size_t kPawnCacheSlots = 1024;
 
-constexpr int kPawnBase = 100;
-constexpr int kPawnPerRank = 5;
-constexpr int kPawnPerFile = 2;
-constexpr int kPawnPerRankCentrality = 2;
-constexpr int kCentralityRank = 3; // from here on rank centrality counts
 constexpr int kCentralPawnBonus = 18;
 constexpr int kDoubledPenalty = 12;
 constexpr int kIsolatedPenalty = 15;
@@ -31,23 +26,6 @@ constexpr int kRaceLimit = 24;
 
 // The same four squares for both sides.
 constexpr Bitboard kCentralSquares = (FileMask(3) | FileMask(4)) & (RowMask(3) | RowMask(4));
-
-// The part of a pawn's term that its square alone gives.
-constexpr int PawnSquareTerm(Side side, int square) {
-  const int rank = RelativeRank(side, square);
-  return kPawnBase + kPawnPerRank * rank + kPawnPerFile * FileCentrality(square) +
-         (rank >= kCentralityRank ? kPawnPerRankCentrality * RankCentrality(square) : 0);
-}
-
-constexpr std::array<std::array<std::int16_t, kSquares>, 2> MakePawnSquareTerms() {
-  std::array<std::array<std::int16_t, kSquares>, 2> table{};
-  for (const Side side : {kWhite, kBlack})
-    for (int square = 0; square < kSquares; ++square)
-      table[side][static_cast<unsigned>(square)] = static_cast<std::int16_t>(PawnSquareTerm(side, square));
-  return table;
-}
-
-constexpr std::array<std::array<std::int16_t, kSquares>, 2> kPawnSquareTerms = MakePawnSquareTerms();
 
 constexpr Bitboard Beside(Bitboard set) { return TowardsA(set) | TowardsH(set); }
 
@@ -77,8 +55,20 @@ template <Side Us> constexpr Bitboard PassedPawns(Bitboard pawns, Bitboard enemy
   return pawns & ~(stopped | Beside(stopped));
 }
 
-// The whole of a side's pawns; the penalty (n - 1) * 12 of a file is spread evenly over its n pawns, so five or seven
-// of them do not have whole terms.
+// The penalty (n - 1) * 12 of a file is spread evenly over its n pawns, so five or seven of them do not have whole
+// terms.
+constexpr int kFewestFractional = 5;
+
+bool HasFractionalFile(Bitboard pawns) {
+  for (int file = 0; file < 8; ++file) {
+    const int count = CountSquares(pawns & FileMask(file));
+    if (count == kFewestFractional || count == 7)
+      return true;
+  }
+  return false;
+}
+
+// What the pawns of a side are worth beyond their squares.
 template <Side Us> int AddSide(PawnStructure &structure) {
   const Bitboard pawns = structure.Pawns[Us];
   structure.Files[Us] = FillFiles(pawns);
@@ -86,10 +76,8 @@ template <Side Us> int AddSide(PawnStructure &structure) {
   const Bitboard connected = ConnectedPawns<Us>(pawns);
   const Bitboard backed = ProtectedPawns<Us>(pawns);
 
-  int score = -kDoubledPenalty * (CountSquares(pawns) - CountSquares(structure.Files[Us] & kRow0)) -
-              kIsolatedPenalty * CountSquares(pawns & ~Beside(structure.Files[Us]));
-  for (Bitboard rest = pawns; rest != 0;)
-    score += kPawnSquareTerms[Us][static_cast<unsigned>(PopSquare(rest))];
+  const int doubled = CountSquares(pawns) - CountSquares(structure.Files[Us] & kRow0);
+  int score = -kDoubledPenalty * doubled - kIsolatedPenalty * CountSquares(pawns & ~Beside(structure.Files[Us]));
   for (Bitboard rest = structure.Passed[Us]; rest != 0;) {
     const int square = PopSquare(rest);
     const int rank = RelativeRank(Us, square);
@@ -97,10 +85,8 @@ template <Side Us> int AddSide(PawnStructure &structure) {
     score += Contains(connected, square) ? kConnectedPassed + kSupportedPerRank * rank : 0;
     score += Contains(backed, square) ? kProtectedPassed + kSupportedPerRank * rank : 0;
   }
-  for (int file = 0; file < 8; ++file) {
-    const int count = CountSquares(pawns & FileMask(file));
-    structure.IsFractional |= count == 5 || count == 7;
-  }
+  if (doubled >= kFewestFractional - 1)
+    structure.IsFractional |= HasFractionalFile(pawns);
   return score;
 }
 
@@ -168,7 +154,7 @@ double PawnTerm(const PawnStructure &structure, const Phase &phase, int square) 
   const Side side = SideOf(PieceOn(square));
   const Bitboard own = structure.Pawns[side];
   const int rank = RelativeRank(side, square);
-  double term = kPawnSquareTerms[side][static_cast<unsigned>(square)];
+  double term = PlacementTerm(side, kPawn, square);
   if (Contains(kCentralSquares, square))
     term += CentralPawnBonus(phase);
   const int sameFile = CountSquares(own & FileMask(FileOf(square)));

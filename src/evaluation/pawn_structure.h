@@ -13,7 +13,7 @@ struct alignas(64) PawnStructure {
   std::array<Bitboard, 2> Pawns; // by side; the placement that the other fields are about
   std::array<Bitboard, 2> Passed;
   std::array<Bitboard, 2> Files; // all squares of the files that hold pawns of the side
-  std::int32_t Score;            // centipawns, White's minus Black's
+  std::int32_t Score;            // centipawns beyond the squares' own, White's minus Black's
   std::int16_t CentralPawns;     // pawns that earn CentralPawnBonus, White's minus Black's
   bool IsFractional;             // five or seven pawns on a file: doubled terms that are no whole numbers
   bool Valid;
@@ -26,7 +26,8 @@ extern bool PawnCacheEnabled;
 // on first use.
 const PawnStructure &CurrentPawnStructure();
 
-// The terms of all pawns, centipawns, White's minus Black's. Not for a structure that is fractional.
+// The terms of all pawns beyond their squares' own, centipawns, White's minus Black's. Not for a structure that is
+// fractional.
 int PawnScore(const PawnStructure &structure, const Phase &phase);
 
 // The term of the one pawn on square, unsigned for colour, with its fraction.

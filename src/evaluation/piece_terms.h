@@ -12,11 +12,13 @@ constexpr std::array<int, kPieceTypes + 1> kPieceValues{0, 100, 500, 320, 330, 9
 
 constexpr int PieceValue(Piece piece) { return kPieceValues[TypeOf(piece)]; }
 
+constexpr int kPawnBase = 100;
 constexpr int kRookBase = 500;
 constexpr int kKnightBase = 320;
 constexpr int kBishopBase = 330;
 constexpr int kQueenBase = 900;
 
+constexpr int kPawnCentralityRank = 3; // from here on a pawn's rank centrality counts
 constexpr int kRookOnSeventh = 20;
 constexpr int kKnightOffset = 24;
 constexpr int kHomeRankPenalty = 10;
@@ -44,13 +46,16 @@ constexpr int MaterialOf(PieceType type) {
   }
 }
 
-// The part of a rook's, knight's, bishop's or queen's term that depends on its square alone, unsigned for
-// colour; 0 for pawns and kings, whose terms depend on other things throughout.
+// The part of a pawn's, rook's, knight's, bishop's or queen's term that depends on its square alone, unsigned for
+// colour; 0 for kings, whose terms depend on the phase throughout.
 constexpr int PlacementTerm(Side side, PieceType type, int square) {
   const int rank = RelativeRank(side, square);
   const int centrality = FileCentrality(square) + RankCentrality(square);
   const int homePenalty = rank == 0 ? kHomeRankPenalty : 0;
   switch (type) {
+  case kPawn:
+    return kPawnBase + 5 * rank + 2 * FileCentrality(square) +
+           (rank >= kPawnCentralityRank ? 2 * RankCentrality(square) : 0);
   case kRook:
     return kRookBase + 2 * FileCentrality(square) + (rank == 6 ? kRookOnSeventh : 0);
   case kKnight:

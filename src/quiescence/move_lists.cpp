@@ -51,11 +51,13 @@ template <Side Us> void GenerateMoves(int ply) {
   const KingDanger danger = FindKingDanger<Us>();
   const CheckTargets checks = FindCheckTargets<Us>();
   const Bitboard enemies = Position.BySide[Opposite(Us)];
-  for (Bitboard men = Position.BySide[Us]; men != 0;) {
-    const int from = PopSquare(men);
+  MoveSets moves;
+  SetLegalMoves<Us>(moves, danger);
+  for (Bitboard froms = moves.Froms; froms != 0;) {
+    const int from = PopSquare(froms);
     const PieceType type = TypeOf(PieceOn(from));
     const Bitboard checking = CheckingTargets(checks, from, type);
-    for (Bitboard targets = LegalTargets<Us>(danger, from); targets != 0;) {
+    for (Bitboard targets = moves.Targets[static_cast<unsigned>(from)]; targets != 0;) {
       const int to = PopSquare(targets);
       const PackedMove move = PackMove(from, to);
       if (Contains(enemies, to) || IsEnPassantMove(from, to))

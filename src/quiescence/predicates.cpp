@@ -13,9 +13,7 @@ bool HasLegalMove(Side side) {
                         : HasLegalMoveOf<kBlack>(FindKingDanger<kBlack>());
 }
 
-bool IsInsufficientMaterial() {
-  if ((Pieces(kPawn, kRook) | Pieces(kQueen)) != 0)
-    return false;
+bool IsDeadMinorEnding() {
   const Bitboard minors = Pieces(kKnight, kBishop);
   if (!HasSeveral(minors))
     return true;

@@ -16,7 +16,8 @@ bool HasLegalMove(Side side);
 inline bool IsRepetitionDraw(Side side, int ply) { return CountRepetitions(side, ply, 2) >= 2 && HasLegalMove(side); }
 
 // True when neither side can mate: no more than one minor piece in all, or a bishop each on squares of one colour.
-bool IsInsufficientMaterial();
+bool IsDeadMinorEnding();
+inline bool IsInsufficientMaterial() { return (Pieces(kPawn, kRook) | Pieces(kQueen)) == 0 && IsDeadMinorEnding(); }
 
 // True when side has a legal pawn push onto a square from which the pawn attacks two officers of the enemy.
 template <Side Us> bool HasPawnForkPush();

@@ -8,6 +8,7 @@
 #include "quiescence/predicates.h"
 #include "search/search_driver.h"
 #include "search/stop_control.h"
+#include "search/transposition_table.h"
 
 namespace zorvane {
 
@@ -59,87 +60,37 @@ struct Node {
   int QueenTarget; // what they aim at, kNoSquare for none
 };
 
-// The moves of a pass: to-squares by from-square, meaningful for the squares of Froms.
-struct PassMoves {
-  Bitboard Froms;
-  std::array<Bitboard, kSquares> Targets;
-};
-
-void AddMoves(PassMoves &moves, int from, Bitboard targets) {
-  if (targets == 0)
-    return;
-  Bitboard &known = moves.Targets[static_cast<unsigned>(from)];
-  known = Contains(moves.Froms, from) ? known | targets : targets;
-  moves.Froms |= Bit(from);
-}
-
 // The to-squares that a pass wants: Always for any move, IfChecking for one that gives check.
 struct Wanted {
   Bitboard Always;
   Bitboard IfChecking;
 };
 
-// The moves of rooks, knights, bishops and queens to wanted squares. The side is not in check.
-template <Side Us>
-void AddPieceMoves(PassMoves &moves, const Wanted &wanted, const CheckTargets &checks, const KingDanger &danger) {
-  const Bitboard occupied = Occupied();
+PieceSquares WantedSquares(const Wanted &wanted, const CheckTargets &checks) {
   const auto squares = [&](PieceType type) { return wanted.Always | (wanted.IfChecking & checks.From[type]); };
-  const Bitboard rookSquares = squares(kRook);
-  const Bitboard knightSquares = squares(kKnight);
-  const Bitboard bishopSquares = squares(kBishop);
-  const Bitboard queenSquares = squares(kQueen);
-  for (Bitboard rooks = Pieces(Us, kRook); rooks != 0;) {
-    const int from = PopSquare(rooks);
-    AddMoves(moves, from, RookAttacks(from, occupied) & rookSquares & PinLine(danger, from));
-  }
-  for (Bitboard knights = Pieces(Us, kKnight) & ~danger.Pinned; knights != 0;) {
-    const int from = PopSquare(knights);
-    AddMoves(moves, from, KnightAttacks[static_cast<unsigned>(from)] & knightSquares);
-  }
-  for (Bitboard bishops = Pieces(Us, kBishop); bishops != 0;) {
-    const int from = PopSquare(bishops);
-    AddMoves(moves, from, BishopAttacks(from, occupied) & bishopSquares & PinLine(danger, from));
-  }
-  for (Bitboard queens = Pieces(Us, kQueen); queens != 0;) {
-    const int from = PopSquare(queens);
-    AddMoves(moves, from, QueenAttacks(from, occupied) & queenSquares & PinLine(danger, from));
-  }
-}
-
-// Pawn captures among the enemies given.
-template <Side Us> void AddPawnCaptures(PassMoves &moves, Bitboard enemies, const KingDanger &danger) {
-  for (Bitboard pawns = PawnCaptures<Opposite(Us)>(enemies) & Pieces(Us, kPawn); pawns != 0;) {
-    const int from = PopSquare(pawns);
-    AddMoves(moves, from, PawnAttacks[Us][static_cast<unsigned>(from)] & enemies & PinLine(danger, from));
-  }
-}
-
-// Pawn pushes of one step and two onto squares of the set.
-template <Side Us> void AddPawnPushes(PassMoves &moves, Bitboard squares, const KingDanger &danger) {
-  const Bitboard single = SinglePushes<Us>(Pieces(Us, kPawn));
-  for (Bitboard pawns = Behind<Us>(single & squares) | Behind<Us>(Behind<Us>(DoublePushes<Us>(single) & squares));
-       pawns != 0;) {
-    const int from = PopSquare(pawns);
-    const Bitboard step = SinglePushes<Us>(Bit(from));
-    AddMoves(moves, from, (step | DoublePushes<Us>(step)) & squares & PinLine(danger, from));
-  }
+  return {squares(kRook), squares(kKnight), squares(kBishop), squares(kQueen)};
 }
 
 // What discoverers add to the moves of their type: wanted moves that leave the line; pawns have a wish of their own.
 template <Side Us>
-void AddDiscoveries(PassMoves &moves, Bitboard wanted, Bitboard wantedOfPawns, const CheckTargets &checks,
+void AddDiscoveries(MoveSets &moves, Bitboard wanted, Bitboard wantedOfPawns, const CheckTargets &checks,
                     const KingDanger &danger) {
-  for (Bitboard men = checks.Discoverers; men != 0;) {
+  if (checks.Discoverers == 0)
+    return;
+  MoveSets all;
+  SetLegalMoves<Us>(all, danger);
+  for (Bitboard men = checks.Discoverers & all.Froms; men != 0;) {
     const int from = PopSquare(men);
     const PieceType type = TypeOf(PieceOn(from));
-    const Bitboard leaving = ~Line[static_cast<unsigned>(checks.EnemyKing)][static_cast<unsigned>(from)] &
-                             (type == kPawn ? wantedOfPawns : wanted);
-    AddMoves(moves, from, type == kKing ? KingSteps<Us>(from, leaving) : LegalTargets<Us>(danger, from) & leaving);
+    Bitboard targets = all.Targets[static_cast<unsigned>(from)] & (type == kPawn ? wantedOfPawns : wanted);
+    if (type == kKing)
+      targets &= KingAttacks[static_cast<unsigned>(from)];
+    AddMoves(moves, from, targets & ~Line[static_cast<unsigned>(checks.EnemyKing)][static_cast<unsigned>(from)]);
   }
 }
 
 // En-passant captures that give check, tried when the pawn gives it or uncovers it.
-template <Side Us> void AddEnPassantChecks(PassMoves &moves, int ply, const CheckTargets &checks) {
+template <Side Us> void AddEnPassantChecks(MoveSets &moves, int ply, const CheckTargets &checks) {
   const int to = Position.EnPassantSquare;
   for (Bitboard pawns = EnPassantCapturers<Us>(); pawns != 0;) {
     const int from = PopSquare(pawns);
@@ -151,7 +102,7 @@ template <Side Us> void AddEnPassantChecks(PassMoves &moves, int ply, const Chec
 
 // Castling that gives check, tried when the king uncovers a line; a check by the rook alone is not looked for.
 template <Side Us>
-void AddCastlingChecks(PassMoves &moves, int ply, const CheckTargets &checks, const KingDanger &danger) {
+void AddCastlingChecks(MoveSets &moves, int ply, const CheckTargets &checks, const KingDanger &danger) {
   if (!Contains(checks.Discoverers, danger.King))
     return;
   for (Bitboard targets = CastlingTargets<Us>(danger); targets != 0;) {
@@ -162,13 +113,14 @@ void AddCastlingChecks(PassMoves &moves, int ply, const CheckTargets &checks, co
 }
 
 // Bishop moves to empty squares from which the bishop, and not from where it stands, can take the queen's target.
-template <Side Us> void AddBishopMoves(PassMoves &moves, const Node &node, const KingDanger &danger) {
-  const Bitboard diagonals = BishopAttacks(node.QueenTarget, 0);
+template <Side Us> void AddBishopMoves(MoveSets &moves, const Node &node, const KingDanger &danger) {
+  const Bitboard diagonals = BishopAttacks(node.QueenTarget, 0) & ~Occupied();
   for (Bitboard bishops = Pieces(Us, kBishop); bishops != 0;) {
     const int from = PopSquare(bishops);
-    if (PieceAttacksSquare(from, node.QueenTarget))
+    const Bitboard reach = BishopAttacks(from, Occupied());
+    if (Contains(reach, node.QueenTarget))
       continue;
-    for (Bitboard targets = LegalTargets<Us>(danger, from) & ~Occupied() & diagonals; targets != 0;) {
+    for (Bitboard targets = reach & diagonals & PinLine(danger, from); targets != 0;) {
       const int to = PopSquare(targets);
       MakeMoveOf<Us>(from, to);
       const bool counts = PieceAttacksSquare(to, node.QueenTarget) && IsLegalMove(to, node.QueenTarget);
@@ -179,55 +131,42 @@ template <Side Us> void AddBishopMoves(PassMoves &moves, const Node &node, const
   }
 }
 
-// Everything that a forced node tries: all legal moves.
-template <Side Us> void AddAllMoves(PassMoves &moves, const KingDanger &danger) {
-  for (Bitboard men = Position.BySide[Us]; men != 0;) {
-    const int from = PopSquare(men);
-    AddMoves(moves, from, LegalTargets<Us>(danger, from));
-  }
-}
-
 // The first pass of a node that is not forced, in the capture zone: captures, en passant, promotions, fork pushes and
 // bishop moves.
-template <Side Us> void AddCaptureZoneMoves(PassMoves &moves, const Node &node, const KingDanger &danger) {
+template <Side Us> void SetCaptureZoneMoves(MoveSets &moves, const Node &node, const KingDanger &danger) {
   const Bitboard victims = Position.BySide[Opposite(Us)] & ~Pieces(kKing);
-  AddPieceMoves<Us>(moves, {victims, 0}, CheckTargets{}, danger);
-  AddPawnCaptures<Us>(moves, victims, danger);
-  AddMoves(moves, danger.King, KingSteps<Us>(danger.King, victims));
-  for (Bitboard pawns = EnPassantCapturers<Us>(); pawns != 0;)
-    AddMoves(moves, PopSquare(pawns), Bit(Position.EnPassantSquare));
   const bool withForks = node.QuietCredit > 0 && node.Ply < kForkPushLimit;
-  AddPawnPushes<Us>(moves, kLastRows | (withForks ? PawnForkSquares<Us>() : 0), danger);
+  SetPieceMoves<Us>(moves, {victims, victims, victims, victims}, danger);
+  SetPawnMoves<Us>(moves, victims, kLastRows | (withForks ? PawnForkSquares<Us>() : 0), danger);
+  SetMoves(moves, danger.King, KingSteps<Us>(danger.King, victims));
+  for (Bitboard pawns = EnPassantCapturers<Us>(); pawns != 0;)
+    AddMoves(moves, PopSquare(pawns), EnPassantSet());
   if (node.QueenTarget != kNoSquare)
     AddBishopMoves<Us>(moves, node, danger);
 }
 
 // The first pass of a node that is not forced, in the recapture zone: recaptures on the square of the enemy's last
 // capture, and other captures that give check.
-template <Side Us> void AddRecaptures(PassMoves &moves, const Node &node, const KingDanger &danger) {
+template <Side Us> void SetRecaptures(MoveSets &moves, const Node &node, const KingDanger &danger) {
   const Bitboard victims = Position.BySide[Opposite(Us)] & ~Pieces(kKing);
   const Bitboard retaken = victims & UndoStack[static_cast<unsigned>(node.Ply - 1)].BySide[Us];
   const Bitboard others = node.Ply < kCheckLimit ? victims & ~retaken : 0;
-  if ((retaken | others) == 0)
-    return;
   const CheckTargets checks = FindCheckTargets<Us>();
-  AddPieceMoves<Us>(moves, {retaken, others}, checks, danger);
-  AddPawnCaptures<Us>(moves, retaken | (others & checks.From[kPawn]), danger);
-  AddMoves(moves, danger.King, KingSteps<Us>(danger.King, retaken));
+  SetPieceMoves<Us>(moves, WantedSquares({retaken, others}, checks), danger);
+  SetPawnMoves<Us>(moves, retaken | (others & checks.From[kPawn]), 0, danger);
+  SetMoves(moves, danger.King, KingSteps<Us>(danger.King, retaken));
   AddDiscoveries<Us>(moves, others, others, checks, danger);
 }
 
 // The second pass: quiet moves that give check. Promotions and en passant have had their turn in the capture zone.
-template <Side Us> void AddQuietChecks(PassMoves &moves, const Node &node, const KingDanger &danger) {
+template <Side Us> void SetQuietChecks(MoveSets &moves, const Node &node, const KingDanger &danger) {
   const bool captureZone = node.Depth > 0;
   const Bitboard empty = ~Occupied();
   const CheckTargets checks = FindCheckTargets<Us>();
-  AddPieceMoves<Us>(moves, {0, empty}, checks, danger);
-  AddPawnPushes<Us>(moves, checks.From[kPawn], danger);
-  if (checks.Discoverers != 0) {
-    AddDiscoveries<Us>(moves, empty, empty & ~EnPassantSet() & ~(captureZone ? kLastRows : 0), checks, danger);
-    AddCastlingChecks<Us>(moves, node.Ply, checks, danger);
-  }
+  SetPieceMoves<Us>(moves, WantedSquares({0, empty}, checks), danger);
+  SetPawnMoves<Us>(moves, 0, checks.From[kPawn], danger);
+  AddDiscoveries<Us>(moves, empty, empty & ~EnPassantSet() & ~(captureZone ? kLastRows : 0), checks, danger);
+  AddCastlingChecks<Us>(moves, node.Ply, checks, danger);
   if (!captureZone)
     AddEnPassantChecks<Us>(moves, node.Ply, checks);
 }
@@ -247,7 +186,7 @@ MoveKind FirstPassKind(const Node &node, bool forced, int from, int to) {
   return isPush && !Contains(kLastRows, to) ? kForkPush : kOrdinaryMove;
 }
 
-template <Side Us> int Search(Node node);
+template <Side Us> int Search(Node &node);
 
 // Plays one move and returns the child's score.
 template <Side Us> int SearchMove(Node &node, MoveKind kind, int from, int to) {
@@ -271,6 +210,7 @@ template <Side Us> int SearchMove(Node &node, MoveKind kind, int from, int to) {
     ++QuietLineDepth;
   }
   MakeMoveOf<Us>(from, to);
+  PrefetchSlot();
   const int score = Search<Opposite(Us)>(child);
   if (kind != kOrdinaryMove)
     --QuietLineDepth;
@@ -291,7 +231,7 @@ template <Side Us> bool Improve(Node &node, int score) {
 }
 
 // Tries the moves of a pass in scan order; true when the node is cut or the search stopped.
-template <Side Us> bool TryMoves(Node &node, const PassMoves &moves, bool quietChecks, bool forced) {
+template <Side Us> bool TryMoves(Node &node, const MoveSets &moves, bool quietChecks, bool forced) {
   for (Bitboard froms = moves.Froms; froms != 0;) {
     const int from = PopSquare(froms);
     for (Bitboard targets = moves.Targets[static_cast<unsigned>(from)]; targets != 0;) {
@@ -348,31 +288,32 @@ int CountNode(int remaining) {
 }
 
 // The two passes of a node.
-template <Side Us> int TryPasses(Node &node, const KingDanger &danger, bool forced) {
+template <Side Us> int TryPasses(Node &node, KingDanger &danger, bool forced) {
   SaveState(node.Ply);
-  PassMoves moves;
+  FindPins<Us>(danger);
+  MoveSets moves;
   moves.Froms = 0;
   if (forced)
-    AddAllMoves<Us>(moves, danger);
+    SetLegalMoves<Us>(moves, danger);
   else if (node.Depth > 0)
-    AddCaptureZoneMoves<Us>(moves, node, danger);
+    SetCaptureZoneMoves<Us>(moves, node, danger);
   else
-    AddRecaptures<Us>(moves, node, danger);
+    SetRecaptures<Us>(moves, node, danger);
   if (TryMoves<Us>(node, moves, false, forced))
     return node.Best;
   if (forced || node.QuietCredit <= 0 || node.Ply >= kCheckLimit || !MayPlayQuietCheck(node))
     return node.Best;
   moves.Froms = 0;
-  AddQuietChecks<Us>(moves, node, danger);
+  SetQuietChecks<Us>(moves, node, danger);
   TryMoves<Us>(node, moves, true, false);
   return node.Best;
 }
 
-template <Side Us> int Search(Node node) {
+template <Side Us> int Search(Node &node) {
   if (PollStop() || IsRepetitionDraw(Us, node.Ply))
     return 0;
   const int remaining = std::min(kLastPly - node.Ply, node.Depth);
-  const KingDanger danger = FindKingDanger<Us>();
+  KingDanger danger = FindCheckers<Us>();
   const bool inCheck = danger.Checkers != 0;
   node.ExtraChecks = 0;
   node.BishopMoves = 0;

@@ -78,10 +78,11 @@ bool IsBetter(int score, int best) { return RootSide == kWhite ? score > best : 
 
 // Calls visit with every legal root move in scan order.
 template <Side Us, typename Visit> void VisitLegalMoves(Visit visit) {
-  const KingDanger danger = FindKingDanger<Us>();
-  for (Bitboard men = Position.BySide[Us]; men != 0;) {
-    const int from = PopSquare(men);
-    for (Bitboard targets = LegalTargets<Us>(danger, from); targets != 0;)
+  MoveSets moves;
+  SetLegalMoves<Us>(moves, FindKingDanger<Us>());
+  for (Bitboard froms = moves.Froms; froms != 0;) {
+    const int from = PopSquare(froms);
+    for (Bitboard targets = moves.Targets[static_cast<unsigned>(from)]; targets != 0;)
       visit(from, PopSquare(targets));
   }
 }

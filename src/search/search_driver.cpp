@@ -32,17 +32,15 @@ namespace {
 // The first legal move in scan order with the static evaluation: the answer when nothing was searched. False when
 // there is no legal move.
 template <Side Us> bool FindDefaultMove(SearchResult &found) {
-  const KingDanger danger = FindKingDanger<Us>();
-  for (Bitboard men = Position.BySide[Us]; men != 0;) {
-    const int from = PopSquare(men);
-    const Bitboard targets = LegalTargets<Us>(danger, from);
-    if (targets == 0)
-      continue;
-    found.BestMove = PackMove(from, LowestSquare(targets));
-    MoveText(found.BestMoveText, PieceOn(from), from, LowestSquare(targets));
-    return true;
-  }
-  return false;
+  MoveSets moves;
+  SetLegalMoves<Us>(moves, FindKingDanger<Us>());
+  if (moves.Froms == 0)
+    return false;
+  const int from = LowestSquare(moves.Froms);
+  const int to = LowestSquare(moves.Targets[static_cast<unsigned>(from)]);
+  found.BestMove = PackMove(from, to);
+  MoveText(found.BestMoveText, PieceOn(from), from, to);
+  return true;
 }
 
 void BeginSearch() {

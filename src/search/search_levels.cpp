@@ -49,6 +49,7 @@ template <Side Us, TableUse Table> Outcome SearchMove(Node &node, PackedMove mov
   const int to = ToOf(move);
   ++Nodes;
   MakeMoveOf<Us>(from, to);
+  PrefetchSlot();
   const int score = Level<Opposite(Us), Table>(node.Ply + 1, node.Alpha, node.Beta);
   RestoreState(node.Ply);
   if (SearchAborted)

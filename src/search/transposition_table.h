@@ -44,6 +44,12 @@ inline TranspositionSlot &CurrentSlot() {
   return RecordAt<TranspositionSlot>(kTranspositionBlock, index * sizeof(TranspositionSlot));
 }
 
+// Fetches the slot of the board ahead of its use.
+inline void PrefetchSlot() {
+  const std::size_t index = BoardHash() & static_cast<std::uint32_t>(TranspositionSlots - 1);
+  __builtin_prefetch(MemoryBlocks[0].Data + index * sizeof(TranspositionSlot));
+}
+
 // Makes an empty table of that size, 0, 512 or 1024 KiB; any other size is ignored. Ends the process with exit code 2
 // when there is no memory.
 void ResizeTransposition(int sizeKb);
