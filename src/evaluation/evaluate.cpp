@@ -11,15 +11,12 @@ namespace zorvane {
 namespace {
 
 constexpr int kBishopPair = 30;
-constexpr int kQueenSortie = 15;
 constexpr int kHalfOpenFile = 12;
 constexpr int kOpenFile = 10; // on top of the half-open file
 constexpr double kKingConstant = 20000;
 
 // Where a queen pays for having come out: all but its own first two ranks.
 constexpr Bitboard kSortieSquares[2] = {~(RowMask(7) | RowMask(6)), ~(RowMask(0) | RowMask(1))};
-
-int QueenSortiePenalty(const Phase &phase) { return kQueenSortie * phase.GamePhase / kFullPhase; }
 
 template <Side Us> int RookFileScore(const PawnStructure &pawns) {
   const Bitboard halfOpen = Pieces(Us, kRook) & ~pawns.Files[Us];
@@ -30,7 +27,7 @@ template <Side Us> int BishopPairScore() { return HasSeveral(Pieces(Us, kBishop)
 
 template <Side Us> int PieceScore(const PawnStructure &pawns, const Phase &phase) {
   return RookFileScore<Us>(pawns) + BishopPairScore<Us>() -
-         QueenSortiePenalty(phase) * CountSquares(Pieces(Us, kQueen) & kSortieSquares[Us]) + KingTerm<Us>(phase);
+         phase.QueenSortiePenalty * CountSquares(Pieces(Us, kQueen) & kSortieSquares[Us]) + KingTerm<Us>(phase);
 }
 
 // The term of the piece on square other than a pawn, unsigned for colour.
@@ -42,7 +39,7 @@ template <Side Us> double PieceTerm(const PawnStructure &pawns, const Phase &pha
   if (type == kRook && !Contains(pawns.Files[Us], square))
     term += kHalfOpenFile + (Contains(pawns.Files[Opposite(Us)], square) ? 0 : kOpenFile);
   if (type == kQueen && Contains(kSortieSquares[Us], square))
-    term -= QueenSortiePenalty(phase);
+    term -= phase.QueenSortiePenalty;
   return term;
 }
 
@@ -65,7 +62,7 @@ int SumInScanOrder(const PawnStructure &pawns, const Phase &phase) {
 } // namespace
 
 int ComputeEvaluation() {
-  const Phase phase = CurrentPhase();
+  const Phase &phase = CurrentPhase();
   const PawnStructure &pawns = CurrentPawnStructure();
   if (pawns.IsFractional) [[unlikely]]
     return SumInScanOrder(pawns, phase);

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "board/memory_block.h"
+#include "board/rules.h"
 #include "evaluation/piece_terms.h"
 
 namespace zorvane {
@@ -13,16 +14,12 @@ namespace {
 
 constexpr std::size_t kPawnCacheSlots = 1024;
 
-constexpr int kCentralPawnBonus = 18;
 constexpr int kDoubledPenalty = 12;
 constexpr int kIsolatedPenalty = 15;
 constexpr int kPassedPerSquaredRank = 2;
-constexpr int kPassedEndgamePerSquaredRank = 3;
 constexpr int kConnectedPassed = 8;
 constexpr int kProtectedPassed = 10;
 constexpr int kSupportedPerRank = 2; // on top of either
-constexpr int kRaceFactor = 4;
-constexpr int kRaceLimit = 24;
 
 // The same four squares for both sides.
 constexpr Bitboard kCentralSquares = (FileMask(3) | FileMask(4)) & (RowMask(3) | RowMask(4));
@@ -99,30 +96,26 @@ void WorkOut(PawnStructure &structure, Bitboard whitePawns, Bitboard blackPawns)
   structure.Valid = true;
 }
 
-int CentralPawnBonus(const Phase &phase) { return kCentralPawnBonus * phase.GamePhase / kFullPhase; }
-
 int StepsBetween(int first, int second) {
   return Absolute(FileOf(first) - FileOf(second)) + Absolute(RowOf(first) - RowOf(second));
 }
 
-// The part of a passed pawn's term that grows towards the end game.
-int PassedEndgameTerm(Side side, int square, const Phase &phase) {
-  const int rank = RelativeRank(side, square);
-  return kPassedEndgamePerSquaredRank * rank * rank * phase.EndgameWeight / kFullPhase;
+int PassedEndgameTerm(const Phase &phase, Side side, int square) {
+  return phase.PassedEndgameTerm[static_cast<unsigned>(RelativeRank(side, square))];
 }
 
-int RaceTerm(int square, int ownKing, int enemyKing, const Phase &phase) {
+int RaceTerm(const Phase &phase, int square, int ownKing, int enemyKing) {
   const int lead = StepsBetween(enemyKing, square) - StepsBetween(ownKing, square);
-  return std::clamp(kRaceFactor * lead * phase.EndgameWeight / kFullPhase, -kRaceLimit, kRaceLimit);
+  return phase.RaceTerms[static_cast<unsigned>(lead + kFarthestApart)];
 }
 
 int PassedScore(const PawnStructure &structure, const Phase &phase, Side side) {
-  const int ownKing = LowestSquare(Pieces(side, kKing));
-  const int enemyKing = LowestSquare(Pieces(Opposite(side), kKing));
+  const int ownKing = FindKingSquare(side);
+  const int enemyKing = FindKingSquare(Opposite(side));
   int score = 0;
   for (Bitboard passed = structure.Passed[side]; passed != 0;) {
     const int square = PopSquare(passed);
-    score += PassedEndgameTerm(side, square, phase) + RaceTerm(square, ownKing, enemyKing, phase);
+    score += PassedEndgameTerm(phase, side, square) + RaceTerm(phase, square, ownKing, enemyKing);
   }
   return score;
 }
@@ -146,7 +139,7 @@ const PawnStructure &CurrentPawnStructure() {
 }
 
 int PawnScore(const PawnStructure &structure, const Phase &phase) {
-  return structure.Score + structure.CentralPawns * CentralPawnBonus(phase) + PassedScore(structure, phase, kWhite) -
+  return structure.Score + structure.CentralPawns * phase.CentralPawnBonus + PassedScore(structure, phase, kWhite) -
          PassedScore(structure, phase, kBlack);
 }
 
@@ -156,7 +149,7 @@ double PawnTerm(const PawnStructure &structure, const Phase &phase, int square) 
   const int rank = RelativeRank(side, square);
   double term = PlacementTerm(side, kPawn, square);
   if (Contains(kCentralSquares, square))
-    term += CentralPawnBonus(phase);
+    term += phase.CentralPawnBonus;
   const int sameFile = CountSquares(own & FileMask(FileOf(square)));
   if (sameFile > 1)
     term += static_cast<double>((sameFile - 1) * -kDoubledPenalty) / sameFile;
@@ -164,12 +157,12 @@ double PawnTerm(const PawnStructure &structure, const Phase &phase, int square) 
     term -= kIsolatedPenalty;
   if (!Contains(structure.Passed[side], square))
     return term;
-  term += kPassedPerSquaredRank * rank * rank + PassedEndgameTerm(side, square, phase);
+  term += kPassedPerSquaredRank * rank * rank + PassedEndgameTerm(phase, side, square);
   if (Contains(side == kWhite ? ConnectedPawns<kWhite>(own) : ConnectedPawns<kBlack>(own), square))
     term += kConnectedPassed + kSupportedPerRank * rank;
   if (Contains(side == kWhite ? ProtectedPawns<kWhite>(own) : ProtectedPawns<kBlack>(own), square))
     term += kProtectedPassed + kSupportedPerRank * rank;
-  return term + RaceTerm(square, LowestSquare(Pieces(side, kKing)), LowestSquare(Pieces(Opposite(side), kKing)), phase);
+  return term + RaceTerm(phase, square, FindKingSquare(side), FindKingSquare(Opposite(side)));
 }
 
 } // namespace zorvane

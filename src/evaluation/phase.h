@@ -1,23 +1,34 @@
-// How far the game has gone from the full set of pieces to bare kings.
+// How far the game has gone from the full set of pieces to bare kings, and the terms that follow from that alone.
 #pragma once
 
 #include <algorithm>
+#include <array>
 
 #include "board/position.h"
 
 namespace zorvane {
 
 constexpr int kFullPhase = 6400;
+constexpr int kFarthestApart = 14; // steps from one corner to the other, counted by file and row
 
-// Both add up to kFullPhase; GamePhase is at kFullPhase while all pieces are on, or more.
-struct Phase {
-  int GamePhase;
-  int EndgameWeight;
+// Every piece's material is a multiple of this, so there are few different phases.
+constexpr int kPhaseUnit = 10;
+constexpr int kPhases = kFullPhase / kPhaseUnit + 1;
+
+struct alignas(64) Phase {
+  std::int16_t GamePhase;     // kFullPhase while all pieces are on, or more
+  std::int16_t EndgameWeight; // what GamePhase lacks of kFullPhase
+  std::int8_t CentralPawnBonus;
+  std::int8_t QueenSortiePenalty;
+  std::array<std::int16_t, 8> PassedEndgameTerm;             // by relative rank
+  std::array<std::int8_t, 2 * kFarthestApart + 1> RaceTerms; // by the own king's lead in steps, from -14 on
 };
 
-inline Phase CurrentPhase() {
-  const int gamePhase = std::min(Position.MaterialSum, kFullPhase);
-  return {gamePhase, kFullPhase - gamePhase};
+// By GamePhase in units.
+extern const std::array<Phase, kPhases> PhaseTable;
+
+inline const Phase &CurrentPhase() {
+  return PhaseTable[static_cast<unsigned>(std::min(Position.MaterialSum, kFullPhase) / kPhaseUnit)];
 }
 
 } // namespace zorvane

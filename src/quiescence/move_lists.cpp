@@ -1,5 +1,7 @@
 #include "quiescence/move_lists.h"
 
+#include <algorithm>
+
 #include "evaluation/piece_terms.h"
 #include "quiescence/check_targets.h"
 
@@ -35,6 +37,19 @@ bool IsCompound(PieceType type, int from, int to) {
 
 } // namespace
 
+PackedMove NextQuietMove(MoveList &list, int place) {
+  LevelMove *const first = list.Moves.data() + place;
+  LevelMove *const end = list.Moves.data() + list.Count;
+  LevelMove *best = first;
+  for (LevelMove *move = first + 1; move < end; ++move)
+    if (move->Score > best->Score)
+      best = move;
+  const LevelMove chosen = *best;
+  std::move_backward(first, best, best + 1);
+  *first = chosen;
+  return chosen.Move;
+}
+
 int MoveOrderScore(int from, int to) {
   const Piece victim = PieceOn(to);
   const int worth = victim == kNoPiece ? kPieceValues[kPawn] : PieceValue(victim);
@@ -65,7 +80,7 @@ template <Side Us> void GenerateMoves(int ply) {
       else if (IsCompound(type, from, to) ? MoveGivesCheck(ply, from, to) : Contains(checking, to))
         Append(checksFound, {kQuietCheckScore, move});
       else
-        InsertSorted(quiets, {HistoryTable[Us][static_cast<unsigned>(move)], move});
+        Append(quiets, {HistoryTable[Us][static_cast<unsigned>(move)], move});
     }
   }
   for (int i = 0; i < checksFound.Count; ++i)

@@ -21,12 +21,17 @@ struct MoveList {
   std::array<LevelMove, kLevelMoveLimit> Moves;
 };
 
-// By ply, 1 to 7; valid from GenerateMoves of the ply until its level returns.
+// By ply, 1 to 7; valid from GenerateMoves of the ply until its level returns. Captures stand in playing order, quiet
+// moves in scan order until NextQuietMove brings them forward.
 extern std::array<MoveList, kSearchPlies> CaptureList;
 extern std::array<MoveList, kSearchPlies> QuietList;
 
 // Fills both lists of the ply with the legal moves of side. History scores are those of this moment.
 template <Side Us> void GenerateMoves(int ply);
+
+// Makes the best of the quiet moves from place on the one at place, the first generated of equals, and returns it. Most
+// nodes are cut before they need many, so the list is not sorted beforehand.
+PackedMove NextQuietMove(MoveList &list, int place);
 
 // The ordering score of a capture: worth of the victim before worth of the capturer.
 int MoveOrderScore(int from, int to);

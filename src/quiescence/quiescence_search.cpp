@@ -115,6 +115,7 @@ void AddCastlingChecks(MoveSets &moves, int ply, const CheckTargets &checks, con
 // Bishop moves to empty squares from which the bishop, and not from where it stands, can take the queen's target.
 template <Side Us> void AddBishopMoves(MoveSets &moves, const Node &node, const KingDanger &danger) {
   const Bitboard diagonals = BishopAttacks(node.QueenTarget, 0) & ~Occupied();
+  SaveState(node.Ply);
   for (Bitboard bishops = Pieces(Us, kBishop); bishops != 0;) {
     const int from = PopSquare(bishops);
     const Bitboard reach = BishopAttacks(from, Occupied());
@@ -232,6 +233,9 @@ template <Side Us> bool Improve(Node &node, int score) {
 
 // Tries the moves of a pass in scan order; true when the node is cut or the search stopped.
 template <Side Us> bool TryMoves(Node &node, const MoveSets &moves, bool quietChecks, bool forced) {
+  if (moves.Froms == 0)
+    return false;
+  SaveState(node.Ply);
   for (Bitboard froms = moves.Froms; froms != 0;) {
     const int from = PopSquare(froms);
     for (Bitboard targets = moves.Targets[static_cast<unsigned>(from)]; targets != 0;) {
@@ -289,7 +293,6 @@ int CountNode(int remaining) {
 
 // The two passes of a node.
 template <Side Us> int TryPasses(Node &node, KingDanger &danger, bool forced) {
-  SaveState(node.Ply);
   FindPins<Us>(danger);
   MoveSets moves;
   moves.Froms = 0;

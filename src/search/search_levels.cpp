@@ -85,7 +85,7 @@ template <Side Us, TableUse Table> Outcome SearchMoves(Node &node) {
   const auto row = static_cast<unsigned>(node.Ply);
   const auto search = [&node](PackedMove move) { return SearchMove<Us, Table>(node, move) == Outcome::kFinished; };
   const MoveList &captures = CaptureList[row];
-  const MoveList &quiets = QuietList[row];
+  MoveList &quiets = QuietList[row];
   const std::array<PackedMove, 2> &killers = KillerTable[row];
 
   if (node.FirstMove != kNoMove && search(node.FirstMove))
@@ -99,7 +99,7 @@ template <Side Us, TableUse Table> Outcome SearchMoves(Node &node) {
     if (IsKillerToTry<Us>(node, killer) && search(killer))
       return Outcome::kFinished;
   for (int i = 0; i < quiets.Count; ++i) {
-    const PackedMove move = quiets.Moves[static_cast<unsigned>(i)].Move;
+    const PackedMove move = NextQuietMove(quiets, i);
     if (move != node.FirstMove && move != killers[0] && move != killers[1] && search(move))
       return Outcome::kFinished;
   }

@@ -1,0 +1,40 @@
+#include "evaluation/phase.h"
+
+namespace zorvane {
+
+namespace {
+
+constexpr int kCentralPawn = 18;
+constexpr int kQueenSortie = 15;
+constexpr int kPassedPerSquaredRank = 3;
+constexpr int kRaceFactor = 4;
+constexpr int kRaceLimit = 24;
+
+constexpr Phase MakePhase(int gamePhase) {
+  const int endgameWeight = kFullPhase - gamePhase;
+  Phase phase{};
+  phase.GamePhase = static_cast<std::int16_t>(gamePhase);
+  phase.EndgameWeight = static_cast<std::int16_t>(endgameWeight);
+  phase.CentralPawnBonus = static_cast<std::int8_t>(kCentralPawn * gamePhase / kFullPhase);
+  phase.QueenSortiePenalty = static_cast<std::int8_t>(kQueenSortie * gamePhase / kFullPhase);
+  for (int rank = 0; rank < 8; ++rank)
+    phase.PassedEndgameTerm[static_cast<unsigned>(rank)] =
+        static_cast<std::int16_t>(kPassedPerSquaredRank * rank * rank * endgameWeight / kFullPhase);
+  for (int lead = -kFarthestApart; lead <= kFarthestApart; ++lead)
+    phase.RaceTerms[static_cast<unsigned>(lead + kFarthestApart)] =
+        static_cast<std::int8_t>(std::clamp(kRaceFactor * lead * endgameWeight / kFullPhase, -kRaceLimit, kRaceLimit));
+  return phase;
+}
+
+constexpr std::array<Phase, kPhases> MakePhaseTable() {
+  std::array<Phase, kPhases> table{};
+  for (int unit = 0; unit < kPhases; ++unit)
+    table[static_cast<unsigned>(unit)] = MakePhase(unit * kPhaseUnit);
+  return table;
+}
+
+} // namespace
+
+constexpr std::array<Phase, kPhases> PhaseTable = MakePhaseTable();
+
+} // namespace zorvane
