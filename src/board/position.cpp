@@ -97,7 +97,7 @@ std::uint8_t ReadMovedFlags(const char *castling) {
 void PutPiece(int square, Piece piece) {
   const SquareTerm &term = kSquareTerms[piece][static_cast<unsigned>(square)];
   Position.BySide[SideOf(piece)] |= Bit(square);
-  Position.ByType[static_cast<unsigned>(TypeOf(piece) - 1)] |= Bit(square);
+  Position.ByType[TypeOf(piece) - 1] |= Bit(square);
   Position.Board[static_cast<unsigned>(square)] = piece;
   Position.BoardSum += term.Hash;
   Position.PawnSum += term.PawnHash;
@@ -109,7 +109,7 @@ void RemovePiece(int square) {
   const Piece piece = PieceOn(square);
   const SquareTerm &term = kSquareTerms[piece][static_cast<unsigned>(square)];
   Position.BySide[SideOf(piece)] &= ~Bit(square);
-  Position.ByType[static_cast<unsigned>(TypeOf(piece) - 1)] &= ~Bit(square);
+  Position.ByType[TypeOf(piece) - 1] &= ~Bit(square);
   Position.Board[static_cast<unsigned>(square)] = kNoPiece;
   Position.BoardSum -= term.Hash;
   Position.PawnSum -= term.PawnHash;

@@ -51,7 +51,7 @@ inline constexpr char StartFen[] = "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR 
 inline Piece PieceOn(int square) { return Position.Board[static_cast<unsigned>(square)]; }
 inline Bitboard Occupied() { return Position.BySide[kWhite] | Position.BySide[kBlack]; }
 inline Bitboard EnPassantSet() { return Position.EnPassantSquare == kNoSquare ? 0 : Bit(Position.EnPassantSquare); }
-inline Bitboard Pieces(PieceType type) { return Position.ByType[static_cast<unsigned>(type - 1)]; }
+inline Bitboard Pieces(PieceType type) { return Position.ByType[type - 1]; }
 inline Bitboard Pieces(PieceType first, PieceType second) { return Pieces(first) | Pieces(second); }
 inline Bitboard Pieces(Side side, PieceType type) { return Position.BySide[side] & Pieces(type); }
 inline Bitboard Pieces(Side side, PieceType first, PieceType second) {

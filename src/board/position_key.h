@@ -20,7 +20,7 @@ struct PositionKey {
 
 // The key of a state with an en-passant square of the caller's choice.
 inline PositionKey MakePositionKey(const BoardState &state, Side side, int enPassantSquare) {
-  const auto of = [&state](PieceType type) { return state.ByType[static_cast<unsigned>(type - 1)]; };
+  const auto of = [&state](PieceType type) { return state.ByType[type - 1]; };
   return {{of(kPawn) | of(kKnight) | of(kQueen), of(kRook) | of(kKnight) | of(kKing),
            of(kBishop) | of(kQueen) | of(kKing), state.BySide[kBlack]},
           static_cast<std::uint32_t>(side) | static_cast<std::uint32_t>(state.MovedFlags) << 1 |

@@ -95,12 +95,12 @@ template <Side Us> inline void MakeMoveOf(int from, int to) {
   const Bitboard change = Bit(from) | Bit(to);
 
   state.BySide[Us] ^= change;
-  state.ByType[place(type - 1)] ^= change;
+  state.ByType[type - 1] ^= change;
   state.Board[place(from)] = kNoPiece;
   state.Board[place(to)] = piece;
   if (captured != kNoPiece) {
     state.BySide[Opposite(Us)] ^= Bit(to);
-    state.ByType[place(TypeOf(captured) - 1)] ^= Bit(to);
+    state.ByType[TypeOf(captured) - 1] ^= Bit(to);
   }
   state.BoardSum = state.BoardSum + entered.Hash - left.Hash - taken.Hash;
   state.PawnSum = state.PawnSum + entered.PawnHash - left.PawnHash - taken.PawnHash;

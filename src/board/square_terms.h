@@ -27,7 +27,7 @@ constexpr SquareTermTable MakeSquareTerms() {
   std::uint64_t power = 1;
   for (int square = kSquares - 1; square >= 0; --square) {
     for (const Side side : {kWhite, kBlack}) {
-      for (int number = kPawn; number <= kKing; ++number) {
+      for (unsigned number = kPawn; number <= kKing; ++number) {
         const auto type = static_cast<PieceType>(number);
         const Piece piece = MakePiece(side, type);
         SquareTerm &term = table[piece][static_cast<unsigned>(square)];

@@ -7,12 +7,12 @@ namespace zorvane {
 
 using Bitboard = std::uint64_t;
 
-enum Side : int { kWhite, kBlack };
+enum Side : unsigned { kWhite, kBlack };
 
-constexpr Side Opposite(Side side) { return static_cast<Side>(side ^ 1); }
+constexpr Side Opposite(Side side) { return static_cast<Side>(side ^ 1U); }
 
 // Rook stands before knight, everywhere in the program.
-enum PieceType : int { kNoType, kPawn, kRook, kKnight, kBishop, kQueen, kKing };
+enum PieceType : unsigned { kNoType, kPawn, kRook, kKnight, kBishop, kQueen, kKing };
 
 constexpr int kPieceTypes = 6;
 

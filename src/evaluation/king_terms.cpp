@@ -17,12 +17,8 @@ constexpr int kFullShield = 3;
 constexpr int kCountedZoneSquares = 3;
 constexpr int kHighestPenalty = 260;
 
-constexpr int kPawnWeight = 1;
-constexpr int kRookWeight = 3;
-constexpr int kKnightWeight = 2;
-constexpr int kBishopWeight = 2;
-constexpr int kQueenWeight = 5;
-constexpr int kKingWeight = 1;
+// What a piece of each type counts for each of up to three zone squares that it bears on, by PieceType.
+constexpr std::array<int, kPieceTypes + 1> kAttackWeights{0, 1, 3, 2, 2, 5, 1};
 
 // What a king's square gives it; everything but the shield and the attackers.
 struct KingSquare {
@@ -56,44 +52,54 @@ template <Side Us> constexpr std::array<KingSquare, kSquares> MakeKingSquares() 
 
 template <Side Us> constexpr std::array<KingSquare, kSquares> kKingSquares = MakeKingSquares<Us>();
 
-// Attackers of a zone and their weighted squares, piece by piece.
-struct ZoneAttack {
-  int Attackers = 0;
-  int Weighted = 0;
+// Attackers and their weighted squares in one sum, the attackers in the upper half.
+constexpr int kAttackerShift = 16;
+constexpr int kOneAttacker = 1 << kAttackerShift;
+constexpr int kLargestZone = 15;
 
-  void Add(int squares, int weight) {
-    Attackers += squares > 0 ? 1 : 0;
-    Weighted += weight * std::min(squares, kCountedZoneSquares);
-  }
-};
+// What a piece adds to the sum, by type and number of zone squares that it bears on.
+constexpr std::array<std::array<int, kLargestZone + 1>, kPieceTypes + 1> MakeZoneTerms() {
+  std::array<std::array<int, kLargestZone + 1>, kPieceTypes + 1> table{};
+  for (unsigned type = kPawn; type <= kKing; ++type)
+    for (int squares = 1; squares <= kLargestZone; ++squares)
+      table[type][static_cast<unsigned>(squares)] =
+          kOneAttacker + kAttackWeights[type] * std::min(squares, kCountedZoneSquares);
+  return table;
+}
+
+constexpr std::array<std::array<int, kLargestZone + 1>, kPieceTypes + 1> kZoneTerms = MakeZoneTerms();
+
+int ZoneTerm(PieceType type, Bitboard zoneSquares) {
+  return kZoneTerms[type][static_cast<unsigned>(CountSquares(zoneSquares))];
+}
 
 // A pawn bears on two squares at most, so all of a side's are counted at once.
-template <Side Attacker> void AddPawns(ZoneAttack &attack, Bitboard zone) {
+template <Side Attacker> int PawnZoneTerms(Bitboard zone) {
   const Bitboard pawns = Pieces(Attacker, kPawn);
   const Bitboard towardsA = TowardsA(Ahead<Attacker>(pawns)) & zone;
   const Bitboard towardsH = TowardsH(Ahead<Attacker>(pawns)) & zone;
-  attack.Attackers += CountSquares(Behind<Attacker>(TowardsH(towardsA) | TowardsA(towardsH)));
-  attack.Weighted += kPawnWeight * (CountSquares(towardsA) + CountSquares(towardsH));
+  return kOneAttacker * CountSquares(Behind<Attacker>(TowardsH(towardsA) | TowardsA(towardsH))) +
+         kAttackWeights[kPawn] * (CountSquares(towardsA) + CountSquares(towardsH));
 }
 
 template <Side Attacker> int KingAttackPenalty(Bitboard zone, int shield, int gamePhase) {
   const Bitboard occupied = Occupied();
-  ZoneAttack attack;
-  AddPawns<Attacker>(attack, zone);
+  int sum = PawnZoneTerms<Attacker>(zone) +
+            ZoneTerm(kKing, KingAttacks[static_cast<unsigned>(FindKingSquare(Attacker))] & zone);
   for (Bitboard rooks = Pieces(Attacker, kRook); rooks != 0;)
-    attack.Add(CountSquares(RookAttacks(PopSquare(rooks), occupied) & zone), kRookWeight);
+    sum += ZoneTerm(kRook, RookAttacks(PopSquare(rooks), occupied) & zone);
   for (Bitboard knights = Pieces(Attacker, kKnight); knights != 0;)
-    attack.Add(CountSquares(KnightAttacks[static_cast<unsigned>(PopSquare(knights))] & zone), kKnightWeight);
+    sum += ZoneTerm(kKnight, KnightAttacks[static_cast<unsigned>(PopSquare(knights))] & zone);
   for (Bitboard bishops = Pieces(Attacker, kBishop); bishops != 0;)
-    attack.Add(CountSquares(BishopAttacks(PopSquare(bishops), occupied) & zone), kBishopWeight);
+    sum += ZoneTerm(kBishop, BishopAttacks(PopSquare(bishops), occupied) & zone);
   const Bitboard queens = Pieces(Attacker, kQueen);
   for (Bitboard rest = queens; rest != 0;)
-    attack.Add(CountSquares(QueenAttacks(PopSquare(rest), occupied) & zone), kQueenWeight);
-  attack.Add(CountSquares(KingAttacks[static_cast<unsigned>(FindKingSquare(Attacker))] & zone), kKingWeight);
+    sum += ZoneTerm(kQueen, QueenAttacks(PopSquare(rest), occupied) & zone);
 
-  if (attack.Attackers < 2)
+  if (sum < 2 * kOneAttacker)
     return 0;
-  const int raw = (kFullShield - shield) * attack.Weighted + attack.Weighted * attack.Weighted / 4;
+  const int weighted = sum % kOneAttacker;
+  const int raw = (kFullShield - shield) * weighted + weighted * weighted / 4;
   const int penalty = gamePhase * std::min(raw, kHighestPenalty) / kFullPhase;
   return queens != 0 ? penalty : penalty / 4;
 }

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "board/number_text.h"
 #include "board/position.h"
 #include "evaluation/pawn_structure.h"
 #include "frontend/uci_loop.h"
@@ -96,9 +97,20 @@ int ReportRequestError(const char *path, const char *token, const char *message)
   return kFailure;
 }
 
+// All seven numbers have to be there; whole numbers beyond 32 bits are held to that range.
 bool ReadParameters(const Line &line, Parameters &read) {
-  return std::sscanf(line.data(), "%lf %d %d %d %d %d %d", &read.TimeMs, &read.Depth, &read.HashKb,
-                     &read.TranspositionMovesFlag, &read.PawnCacheFlag, &read.HintsFlag, &read.EndgameHintsFlag) == 7;
+  int used = 0;
+  if (std::sscanf(line.data(), "%lf%n", &read.TimeMs, &used) != 1)
+    return false;
+  const char *next = line.data() + used;
+  for (int *number : {&read.Depth, &read.HashKb, &read.TranspositionMovesFlag, &read.PawnCacheFlag, &read.HintsFlag,
+                      &read.EndgameHintsFlag}) {
+    const char *const begin = next;
+    *number = ParseInteger(begin, &next);
+    if (next == begin)
+      return false;
+  }
+  return true;
 }
 
 bool AreInRange(const Parameters &parameters) {

@@ -34,7 +34,8 @@ const char *Behind(const char *line, const char *word) {
   return found == nullptr ? nullptr : found + std::strlen(word);
 }
 
-void SetTimeLimitMs(double milliseconds) { TimeLimitSeconds = std::max(milliseconds, kShortestTimeMs) / 1000.0; }
+// The order of the arguments gives what is no number the shortest time.
+void SetTimeLimitMs(double milliseconds) { TimeLimitSeconds = std::max(kShortestTimeMs, milliseconds) / 1000.0; }
 
 void ReadLimits(const char *line) {
   MaxDepth = kDepthLimit;

@@ -46,6 +46,8 @@ inline TranspositionSlot &CurrentSlot() {
 
 // Fetches the slot of the board ahead of its use.
 inline void PrefetchSlot() {
+  if (TranspositionSlots == 0)
+    return;
   const std::size_t index = BoardHash() & static_cast<std::uint32_t>(TranspositionSlots - 1);
   __builtin_prefetch(MemoryBlocks[0].Data + index * sizeof(TranspositionSlot));
 }

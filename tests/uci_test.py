@@ -1,0 +1,172 @@
+"""UCI sessions with the real program over pipes."""
+import time
+import unittest
+
+from engine_process import Session, recorded_blocks, run_engine, side_by_side
+
+INVALID_POSITION = 'info string invalid position'
+INVALID_MOVE = 'info string invalid move in position'
+MATE_IN_ONE = 'position startpos moves f2f3 e7e5 g2g4'
+CROWDED = 'position fen qqqqkqqq/qqqqqqqq/8/8/8/8/QQQQQQQQ/QQQQKQQQ w - - 0 1'
+LONGEST_LINE = 16383
+
+
+def play(block):
+    """Play a recorded session; the lines that it gives in place of the recorded ones."""
+    name, *lines = block.rstrip('\n').split('\n')
+    got = [name]
+    with Session() as session:
+        for line in lines:
+            if line == '> quit':
+                session.send('quit')
+                got.append(line)
+            elif line.startswith('> '):
+                command = line[2:]
+                answer = session.go(command) if command.startswith('go') else session.ask(command)
+                got += [line, *('< ' + text for text in answer)]
+        rest, code = session.end()
+    return got + ['< ' + text for text in rest] + [f'= {code}'], [name, *lines]
+
+
+class Uci(unittest.TestCase):
+
+    def test_recorded_sessions(self):
+        blocks = [block for name in ('games.uci', 'repetitions.uci') for block in recorded_blocks(name)]
+        for got, wanted in side_by_side(play, blocks):
+            with self.subTest(wanted[0]):
+                self.assertEqual(got, wanted)
+
+    def test_fixed_answers(self):
+        identity = ['id name Zorvane Engine 1.0 Beta 1 - QuietChecks Test', 'id author Zorvane project',
+                    'option name Hash type spin default 1 min 0 max 1', 'uciok']
+        bare = 'position fen 8/8/8/8/8/8/8/K6k w -'
+        with Session() as session:
+            for line, answer in {
+                    'uci': identity, 'uci\r': identity, 'uci\rjunk': identity, 'uci ': [], ' uci': [], 'UCI': [],
+                    'isready now': [], 'stop': [], 'stop ': [], 'quit ': [], '': [],
+                    'setoption name Threads value 4': [], 'setoption name Hash': [], 'setoption name Hash value': [],
+                    'ucinewgame ': [], 'position': [], 'd': [], 'Go': [], ' go depth 1': [],
+                    'position startpos': [], 'position startpos moves ': [], 'position startpos moves  e2e4  e7e5 ': [],
+                    'position startpos moves': [INVALID_POSITION], 'position  startpos': [INVALID_POSITION],
+                    'position startpos ': [INVALID_POSITION], 'position moves e2e4': [INVALID_POSITION],
+                    'position fen': [INVALID_POSITION], 'position fen ': [INVALID_POSITION], bare: [INVALID_POSITION],
+                    bare + ' -': [], bare.replace('fen ', 'fen') + ' -': [INVALID_POSITION],
+                    'position startpos moves e2e4 xx': [INVALID_MOVE],
+                    'position startpos moves e2e4\te7e5': [INVALID_MOVE]}.items():
+                with self.subTest(line):
+                    self.assertEqual(session.ask(line), answer)
+            self.assertEqual(session.end(), ([], 0))
+
+    def test_position_after_a_refusal(self):
+        """What is not understood leaves the position as it was; moves before a bad one stay played."""
+        after = {}
+        with Session() as session:
+            for moves in ('', 'e2e4', 'e2e4 e7e5'):
+                session.ask('setoption name Hash value 0', 'position startpos moves ' + moves)
+                after[moves] = session.go('go depth 1')
+            for line, moves in {
+                    'position startpos moves e2e4 e7e5 xx d2d4': 'e2e4 e7e5', 'ucinewgame': '',
+                    'position startpos moves e2e4 e7e5q': 'e2e4', 'position nowhere': 'e2e4',
+                    'position fen 8/8/8/8/8/8/8/K7 w - - 0 1': 'e2e4',
+                    'position fen rnbqkbnr/pppppppp/8/8/4P3/8/PPPP1PPP/RNBQKBNR b KQkq - 0 1 moves e7e5': 'e2e4 e7e5',
+                    }.items():
+                session.ask('position startpos moves e2e4', line, 'setoption name Hash value 0')
+                with self.subTest(line):
+                    self.assertEqual(session.go('go depth 1'), after[moves])
+
+    def test_long_lines(self):
+        with Session() as session:
+            start = 'position startpos moves'
+            for length in (LONGEST_LINE - 1, LONGEST_LINE):
+                self.assertEqual(session.ask(start.ljust(length - 4) + 'e2e5'), [INVALID_MOVE])
+                self.assertEqual(session.ask(start.ljust(length - 4) + 'e2e4'), [])
+            black = session.go('go depth 1')
+            self.assertEqual(session.ask('x' * LONGEST_LINE + 'position startpos moves e2e5'), [INVALID_MOVE])
+            self.assertEqual(session.ask('x' * LONGEST_LINE + 'ucinewgame'), [])
+            self.assertNotEqual(session.go('go depth 1'), black)
+            self.assertEqual(session.ask('y' * 1000000), [])
+            shuffle = ' g1f3 g8f6 f3g1 f6g8' * 600      # more half-moves than the history holds
+            self.assertEqual(session.ask(start + shuffle), [])
+            self.assertEqual(session.go('go depth 1')[-1][:9], 'bestmove ')
+
+    def test_bytes_that_are_no_text(self):
+        noise = bytes(byte for byte in reversed(range(256)) if byte not in b'\n')
+        with Session() as session:
+            self.assertEqual(session.ask(noise, b'\xff' * 20000, b'\0', b'position \xff', b'position fen ' + noise,
+                                         b'position startpos moves ' + noise),
+                             [INVALID_POSITION, INVALID_POSITION, INVALID_MOVE])
+            self.assertEqual(session.end(), ([], 0))
+
+    def test_limits(self):
+        """Each of these ends long before the hang limit, at the depth that it names."""
+        with Session() as session:
+            session.ask(CROWDED)
+            for line, depth in {
+                    'go depth 2': 2, 'go depth 0': 1, 'go depth -3': 1, 'go depth x': 1, 'goto depth 2': 2,
+                    'go depth 1 wtime 900000000 btime 1': 1, 'go ponder nodes 7 depth 1 mate 3 searchmoves a2a3': 1,
+                    'go depth 99 movetime 1': None, 'go movetime 0': None, 'go movetime -5': None,
+                    'go movetime x': None, 'go movetime nan': None, 'go wtime nan': None, 'go depth 8 wtime 300': None,
+                    'go wtime 40 btime 900000000': None, 'go wtime 900000000 movetime 20': None,
+                    'go wtime 900 btime 900000000 winc 9 movestogo 1': None}.items():
+                with self.subTest(line):
+                    info, best = session.go(line)
+                    self.assertRegex(info, f'^info depth {depth or "[0-8]"} score cp -?[0-9]+ nodes .* pv {best[9:]}$')
+            session.ask(CROWDED.replace(' w ', ' b '))
+            for line in ('go btime 40 wtime 900000000', 'go wtime 900000000 btime 700'):
+                self.assertEqual(len(session.go(line)), 2)
+
+    def test_commands_during_a_search(self):
+        with Session() as session:
+            session.ask(CROWDED)
+            for start in ('go infinite', 'gopher', 'go', 'go depth 8', 'go movetime 100000', 'go wtime 90000000'):
+                session.send(start)
+                self.assertEqual(session.ask('setoption name Threads value 4', 'nonsense', ''), [])
+                if start != 'go infinite':
+                    session.send('go infinite')             # ends the old search first
+                    self.assertRegex(session.read_until('bestmove')[-1], '^bestmove [a-h][1-8][a-h][1-8]$')
+                self.assertEqual(session.ask(), [])
+                answer = session.ask('stop')
+                self.assertRegex(answer[0], '^info depth [0-8] ')
+                self.assertEqual((len(answer), answer[1][:9]), (2, 'bestmove '))
+            for stopping, said in {'ucinewgame': [], 'position startpos': [], 'position x': [INVALID_POSITION],
+                                   'setoption name Hash value 0': [], 'setoption name Hash value 7': []}.items():
+                session.send('go infinite')
+                answer = session.ask(stopping)
+                self.assertEqual((answer[1][:9], answer[2:]), ('bestmove ', said))
+            session.send('go infinite', 'go depth 1')
+            self.assertEqual([session.read_until('bestmove')[0][:10] for _ in range(2)][1], 'info depth')
+
+    def test_infinite_search_waits_for_stop(self):
+        """It says nothing before it is stopped, even when the tree is done at once."""
+        with Session() as session:
+            session.ask(MATE_IN_ONE)
+            for line in ('go infinite', 'go depth 1 infinite', 'go movetime 1 infinite'):
+                session.send(line)
+                for _ in range(2):
+                    time.sleep(0.05)
+                    self.assertEqual(session.ask(), [])
+                self.assertEqual(session.ask('stop')[-1][:9], 'bestmove ')
+            self.assertEqual(session.go('go'), ['info depth 1 score mate 1 nodes 59 pv d8h4', 'bestmove d8h4'])
+
+    def test_no_move(self):
+        with Session() as session:
+            session.ask(MATE_IN_ONE + ' d8h4')
+            self.assertEqual(session.go('go depth 3'), ['info depth 0 score mate 0 nodes 0 pv ', 'bestmove 0000'])
+            session.ask('position fen 7k/5Q2/6K1/8/8/8/8/8 b - - 0 1')
+            self.assertEqual(session.go('go'), ['info depth 0 score cp 0 nodes 0 pv ', 'bestmove 0000'])
+
+    def test_ends(self):
+        for lines in ([], ['quit'], ['quit', 'uci'], [b'quit\r'], ['stop', 'stop']):
+            with Session() as session:
+                session.send(*lines)
+                self.assertEqual(session.end(), ([], 0))
+        for last in ([], ['quit'], ['quit', 'uci']):
+            with Session() as session:
+                session.send('position startpos', 'go infinite', *last)
+                rest, code = session.end()
+                self.assertEqual((len(rest), rest[1][:9], code), (2, 'bestmove ', 0))
+        self.assertEqual(run_engine(input=b'uci', stdin=None).stdout[-6:], 'uciok\n')     # no last line end
+
+
+if __name__ == '__main__':
+    unittest.main()
