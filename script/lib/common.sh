@@ -1,0 +1,67 @@
+# shellcheck shell=bash
+# What the scripts share. Source it first: it moves to the repository's folder.
+
+cd "$(dirname "${BASH_SOURCE[0]}")/../.." || exit 1
+
+# Ends the script with a message.
+fail() {
+  echo "$(basename "$0"): $*" >&2
+  exit 1
+}
+
+# install_missing PROBE=PACKAGE ...
+# Installs the Debian packages whose probe is absent. A probe is a command, or
+# a file when it begins with a slash. Asks nothing; says what it installs on
+# standard error.
+install_missing() {
+  local missing=() need probe
+  for need in "$@"; do
+    probe=${need%%=*}
+    if [[ $probe == /* ]]; then
+      [[ -e $probe ]] || missing+=("${need#*=}")
+    elif ! command -v "$probe" >/dev/null; then
+      missing+=("${need#*=}")
+    fi
+  done
+  ((${#missing[@]})) || return 0
+  command -v apt-get >/dev/null || fail "please install: ${missing[*]}"
+
+  local as_root=()
+  if ((EUID != 0)); then
+    command -v sudo >/dev/null || fail "please install as root: ${missing[*]}"
+    as_root=(sudo)
+  fi
+  echo "installing ${missing[*]}" >&2
+  "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -qq update >&2
+  "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -qq install -y --no-install-recommends "${missing[@]}" >&2
+}
+
+# What building needs.
+install_build_tools() {
+  install_missing cmake=cmake ninja=ninja-build g++=g++
+}
+
+# What running the tests needs, beside the build tools.
+install_test_tools() {
+  install_missing python3=python3 /usr/include/gtest/gtest.h=libgtest-dev parallel=parallel
+}
+
+# configure PRESET [CMAKE_ARGUMENT ...]
+# Quiet unless it fails: standard output stays free for the program that a
+# script runs afterwards.
+configure() {
+  local log
+  if ! log=$(cmake --preset "$@" 2>&1); then
+    echo "$log" >&2
+    fail "cannot configure $1"
+  fi
+}
+
+# build PRESET [TARGET ...]
+# Configures and builds, all of the preset by default, on standard error.
+build() {
+  local preset=$1
+  shift
+  configure "$preset"
+  cmake --build --preset "$preset" ${1:+--target "$@"} >&2
+}

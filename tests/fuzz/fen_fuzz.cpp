@@ -1,0 +1,30 @@
+// Any text as a FEN: a refused one changes nothing, an accepted one can be counted, evaluated and searched.
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+
+#include "board/perft.h"
+#include "board/position.h"
+#include "board/position_key.h"
+#include "evaluation/evaluate.h"
+#include "frontend/engine_main.h"
+#include "search/search_driver.h"
+
+using namespace zorvane;
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
+  StartEngine();
+  PositionKey before = BuildPositionKey(SideToMove);
+  const bool accepted = LoadFen(std::string(reinterpret_cast<const char *>(data), size).c_str());
+  if (accepted) {
+    before = BuildPositionKey(SideToMove);
+    Perft(1);
+    Evaluate();
+    MaxDepth = 1;
+    TimeLimitSeconds = 0.001;
+    RunSearch();
+  }
+  if (!(BuildPositionKey(SideToMove) == before))
+    std::abort();
+  return 0;
+}

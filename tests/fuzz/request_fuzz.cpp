@@ -1,0 +1,92 @@
+// Any bytes as a request file, run through the whole mode in a folder that is removed at the end.
+#include <array>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+#include <unistd.h>
+
+#include "frontend/engine_main.h"
+#include "frontend/request_file.h"
+#include "search/stop_control.h"
+
+using namespace zorvane;
+
+namespace {
+
+constexpr std::array kEndings{".response", ".response.tmp", ".cancel", ".error.txt"};
+
+std::string Folder;
+std::string Request;
+
+void RemoveFiles() {
+  unlink(Request.c_str());
+  for (const char *ending : kEndings)
+    unlink((Request + ending).c_str());
+}
+
+void RemoveFolder() {
+  RemoveFiles();
+  rmdir(Folder.c_str());
+}
+
+// The request with the search, if it asks for one, cut down to depth 1 and a millisecond.
+std::string WithSmallLimits(std::string text) {
+  std::array<char, 16384> line;
+  std::array<char, 128> token;
+  if (text.empty())
+    return text;
+  std::FILE *file = fmemopen(text.data(), text.size(), "r");
+  if (file == nullptr)
+    std::abort();
+  long start = 0;
+  bool hasLimits = false;
+  double time = 0;
+  int depth = 0;
+  int behind = 0;
+  const auto read = [file](auto &buffer) {
+    return std::fgets(buffer.data(), static_cast<int>(buffer.size()), file) != nullptr;
+  };
+  if (read(line) && read(token)) {
+    start = std::ftell(file);
+    hasLimits = read(line);
+  }
+  std::fclose(file);
+  if (hasLimits && std::sscanf(line.data(), "%lf %d%n", &time, &depth, &behind) == 2 && time >= 1 && time <= 300000 &&
+      depth >= 1 && depth <= 8)
+    text.replace(static_cast<std::size_t>(start), static_cast<std::size_t>(behind), "1 1");
+  return text;
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerInitialize(int * /*argc*/, char *** /*argv*/) {
+  std::string name = "/tmp/zorvane-fuzz-XXXXXX";
+  if (mkdtemp(name.data()) == nullptr)
+    return 1;
+  Folder = name;
+  Request = Folder + "/r";
+  std::atexit(RemoveFolder);
+  // Drowns the message of every failed request; the fuzzer keeps the stream that it started with.
+  stderr = std::fopen("/dev/null", "w");
+  return stderr == nullptr ? 1 : 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
+  StartEngine();
+  StopFlag = 0;
+  const std::string text = WithSmallLimits({reinterpret_cast<const char *>(data), size});
+  std::FILE *file = std::fopen(Request.c_str(), "wb");
+  if (file == nullptr || std::fwrite(text.data(), 1, text.size(), file) != text.size() || std::fclose(file) != 0)
+    std::abort();
+
+  const int code = RunRequest(Request.c_str());
+  const bool answered = access((Request + ".response").c_str(), F_OK) == 0;
+  const bool failed = access((Request + ".error.txt").c_str(), F_OK) == 0;
+  // Every request ends in an answer or in an error, and no half-written response is left.
+  if ((code == 0 ? !answered || failed : !failed) || access((Request + ".response.tmp").c_str(), F_OK) == 0)
+    std::abort();
+  RemoveFiles();
+  return 0;
+}
