@@ -19,9 +19,12 @@ TEST_F(EvaluationTest, AgreesWithThePlainOneWhateverIsRemembered) {
       PawnCacheEnabled = cached;
       EXPECT_EQ(ComputeEvaluation(), expected);
     }
-    // Positions share slots, with another board or with the other side.
-    for (int i = 0; i < 4; ++i, SideToMove = i % 2 != 0 ? Opposite(SideToMove) : SideToMove)
+    const Side side = SideToMove;
+    for (const Side asked : {kWhite, kBlack, kBlack, kWhite}) { // both sides and many boards share a slot
+      SideToMove = asked;
       EXPECT_EQ(Evaluate(), expected);
+    }
+    SideToMove = side;
   });
 }
 
@@ -68,8 +71,10 @@ TEST_F(EvaluationTest, WorkedExamples) {
   };
   for (const auto &row : cases) {
     ASSERT_TRUE(LoadFen(row.Fen));
-    EXPECT_EQ(Evaluate(), row.Score) << row.Fen;
-    EXPECT_EQ(ComputeEvaluation(), row.Score) << row.Fen;
+    for (const int sizeKb : {1024, 512, 0}) {
+      ResizeTransposition(sizeKb);
+      EXPECT_EQ(Evaluate(), row.Score) << row.Fen;
+    }
   }
 }
 

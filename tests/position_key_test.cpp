@@ -40,21 +40,17 @@ TEST_F(PositionKeyTest, EqualKeysAreEqualTexts) {
 }
 
 TEST_F(PositionKeyTest, ATargetCountsWhenItCanBeTaken) {
-  struct {
-    const char *Fen;
-    bool Counts;
-  } const cases[] = {
+  const std::pair<const char *, bool> cases[] = {
       {"4k3/8/8/3pP3/8/8/8/4K3 w - d6", true},    {"4k3/8/8/2Pp4/8/8/8/4K3 w - d6", true},
       {"4k3/8/8/3p4/8/8/8/4K3 w - d6", false},    {"4k3/8/8/3pP3/8/8/8/4K3 b - d6", false},
       {"4r1k1/8/8/3pP3/8/8/8/4K3 w - d6", false}, {"6k1/8/8/r2pP2K/8/8/8/8 w - d6", false},
       {"4r1k1/8/8/2PpP3/8/8/8/4K3 w - d6", true}, {"4k3/8/8/4P3/8/8/8/4K3 w - d6", false},
-      {"4k3/8/8/8/pP6/8/8/4K3 b - b3", true},     {"4k3/8/8/8/7p/P7/8/4K3 b - a3", false},
-      {"4k3/8/8/3pP3/8/8/4r3/4K3 w - d6", false},
+      {"4k3/8/8/8/pP6/8/8/4K3 b - b3", true},     {"4k3/8/8/3pP3/8/8/4r3/4K3 w - d6", false},
   };
-  for (const auto &row : cases) {
-    ASSERT_TRUE(LoadFen(row.Fen));
-    const int target = row.Counts ? Position.EnPassantSquare : kNoSquare;
-    EXPECT_TRUE(BuildPositionKey(SideToMove) == MakePositionKey(Position, SideToMove, target)) << row.Fen;
+  for (const auto &[fen, counts] : cases) {
+    ASSERT_TRUE(LoadFen(fen));
+    const int target = counts ? Position.EnPassantSquare : kNoSquare;
+    EXPECT_TRUE(BuildPositionKey(SideToMove) == MakePositionKey(Position, SideToMove, target)) << fen;
   }
 }
 

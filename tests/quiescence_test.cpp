@@ -75,9 +75,7 @@ TEST_F(QuiescenceTest, ScoresAndNodesOfRandomLines) {
 TEST_F(QuiescenceTest, EachRuleOnItsPosition) {
   // Each row gives other nodes or another score when its rule is left out.
   struct {
-    const char *Rule;
-    const char *Fen;
-    const char *Move;
+    const char *Rule, *Fen, *Move;
     int Ply;
   } const cases[] = {
       {"threat of a pawn fork", "6k1/5ppp/3p4/8/2R1N3/8/5PPP/6K1 b - -", "g8h8", 1},
@@ -158,58 +156,40 @@ TEST_F(QuiescenceTest, PredicatesOnRandomPositions) {
 }
 
 TEST_F(QuiescenceTest, Predicates) {
-  enum Question { kDeadMaterial, kPawnFork, kKnightFork, kTarget };
-  const auto answer = [](Question question) {
-    switch (question) {
-    case kDeadMaterial:
-      return static_cast<int>(IsInsufficientMaterial());
-    case kPawnFork:
-      return static_cast<int>(HasPawnForkPush<kWhite>());
-    case kKnightFork:
-      return static_cast<int>(HasFreshKnightFork<kWhite>(2));
-    default:
-      return FindQueenTarget<kWhite>();
-    }
-  };
+  const auto dead = [] { return static_cast<int>(IsInsufficientMaterial()); };
+  const auto pawnFork = [] { return static_cast<int>(HasPawnForkPush<kWhite>()); };
+  const auto knightFork = [] { return static_cast<int>(HasFreshKnightFork<kWhite>(2)); };
   struct {
     const char *Fen;
-    Question Asked;
+    int (*Ask)();
     int Answer;
   } const cases[] = {
-      {"4k3/8/8/8/8/8/8/4K3 w - -", kDeadMaterial, 1},
-      {"4k3/8/8/8/8/8/8/4KN2 w - -", kDeadMaterial, 1},
-      {"4kb2/8/8/8/8/8/8/4K3 w - -", kDeadMaterial, 1},
-      {"4kb2/8/8/8/8/8/8/2B1K3 w - -", kDeadMaterial, 1},
-      {"4kb2/8/8/8/8/8/8/4KB2 w - -", kDeadMaterial, 0},
-      {"4kn2/8/8/8/8/8/8/4KN2 w - -", kDeadMaterial, 0},
-      {"4kb2/8/8/8/8/8/8/4KN2 w - -", kDeadMaterial, 0},
-      {"4k3/8/8/8/8/8/8/2B1K1B1 w - -", kDeadMaterial, 0},
-      {"4k3/8/8/8/8/8/8/1N2KN2 w - -", kDeadMaterial, 0},
-      {"4k3/8/8/8/8/8/P7/4K3 w - -", kDeadMaterial, 0},
-      {"k7/8/3r1n2/8/4P3/8/8/4K3 w - -", kPawnFork, 1},
-      {"k7/8/8/3r1n2/8/8/4P3/K7 w - -", kPawnFork, 1},
-      {"k7/8/8/3r1n2/8/4p3/4P3/K7 w - -", kPawnFork, 0},
-      {"8/8/3k1n2/8/4P3/8/8/4K3 w - -", kPawnFork, 0},
-      {"k7/8/3p1n2/8/4P3/8/8/4K3 w - -", kPawnFork, 0},
-      {"k7/8/3r1n2/4p3/4P3/8/8/4K3 w - -", kPawnFork, 0},
-      {"k7/8/8/3r1n2/8/4P3/K5q1/8 w - -", kPawnFork, 0},
-      {"k7/8/1n6/8/P7/8/8/4K3 w - -", kPawnFork, 0},
-      {"k7/2r1q3/8/3N4/8/8/8/5K2 w - -", kKnightFork, 1},
-      {"k7/2b1n3/8/3N4/8/8/8/4K3 w - -", kKnightFork, 0},
-      {"8/2k1r3/8/3N4/8/8/8/4K3 w - -", kKnightFork, 0},
-      {"k2r4/2r1q3/8/3N4/8/8/8/3K4 w - -", kKnightFork, 0},
-      {"k7/8/2n2b2/8/8/2Q5/8/7K w - -", kTarget, MakeSquare(2, 2)},
-      {"k7/8/2r2p2/8/8/2Q5/8/K7 w - -", kTarget, kNoSquare},
-      {"k7/8/2n5/8/8/2Q5/8/KQ6 w - -", kTarget, kNoSquare},
-      {"k7/8/2n5/2p5/8/2Q5/8/K7 w - -", kTarget, kNoSquare},
-      {"k7/8/2n2b2/8/8/2Q5/8/K7 w - -", kTarget, MakeSquare(5, 2)},
+      {"4kb2/8/8/8/8/8/8/4K3 w - -", dead, 1},
+      {"4kb2/8/8/8/8/8/8/2B1K3 w - -", dead, 1},
+      {"4kb2/8/8/8/8/8/8/4KB2 w - -", dead, 0},
+      {"4kb2/8/8/8/8/8/8/4KN2 w - -", dead, 0},
+      {"4k3/8/8/8/8/8/8/2B1K1B1 w - -", dead, 0},
+      {"4k3/8/8/8/8/8/P7/4K3 w - -", dead, 0},
+      {"k7/8/3r1n2/8/4P3/8/8/4K3 w - -", pawnFork, 1},
+      {"k7/8/8/3r1n2/8/8/4P3/K7 w - -", pawnFork, 1},
+      {"k7/8/8/3r1n2/8/4p3/4P3/K7 w - -", pawnFork, 0},
+      {"8/8/3k1n2/8/4P3/8/8/4K3 w - -", pawnFork, 0},
+      {"k7/8/8/3r1n2/8/4P3/K5q1/8 w - -", pawnFork, 0},
+      {"k7/2r1q3/8/3N4/8/8/8/5K2 w - -", knightFork, 1},
+      {"k7/2b1n3/8/3N4/8/8/8/4K3 w - -", knightFork, 0},
+      {"8/2k1r3/8/3N4/8/8/8/5K2 w - -", knightFork, 0},
+      {"k2r4/2r1q3/8/3N4/8/8/8/3K4 w - -", knightFork, 0},
+      {"k7/8/2n2b2/8/8/2Q5/8/7K w - -", FindQueenTarget<kWhite>, MakeSquare(2, 2)},
+      {"k7/8/2n2b2/8/8/2Q5/8/K7 w - -", FindQueenTarget<kWhite>, MakeSquare(5, 2)},
+      {"k7/8/2n5/8/8/2Q5/8/KQ6 w - -", FindQueenTarget<kWhite>, kNoSquare},
+      {"k7/8/2r2p2/8/8/2Q5/8/K7 w - -", FindQueenTarget<kWhite>, kNoSquare},
   };
   for (const auto &row : cases) {
     ASSERT_TRUE(LoadFen(row.Fen));
     UndoStack[1] = {};
-    EXPECT_EQ(answer(row.Asked), row.Answer) << row.Fen;
+    EXPECT_EQ(row.Ask(), row.Answer) << row.Fen;
     SaveState(1); // a knight that stood there before forks nothing
-    EXPECT_EQ(HasFreshKnightFork<kWhite>(2), false) << row.Fen;
+    EXPECT_FALSE(HasFreshKnightFork<kWhite>(2)) << row.Fen;
   }
 }
 

@@ -5,6 +5,7 @@
 
 #include "board/legal_moves.h"
 #include "frontend/engine_main.h"
+#include "search/stop_control.h"
 
 using namespace zorvane;
 
@@ -54,6 +55,7 @@ std::string SquareText(int square) {
 void EngineTest::SetUp() {
   Generator.seed(20);
   StartEngine();
+  StopFlag = 0;
 }
 
 int RandomBelow(int limit) { return static_cast<int>(Generator() % static_cast<unsigned>(limit)); }

@@ -57,8 +57,7 @@ TEST_F(SearchTest, AnswersAtTheEdges) {
     const char *Fen;
     int Depth;
     const char *Best;
-    int Score;
-    int Completed;
+    int Score, Completed;
   } const cases[] = {
       {"7k/6Q1/6K1/8/8/8/8/8 b - -", 3, "---", kMateValue, 0},
       {"8/8/8/8/8/6k1/6q1/7K w - -", 3, "---", -kMateValue, 0},

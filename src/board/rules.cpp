@@ -37,6 +37,26 @@ Bitboard OccupiedAfter(int from, int to, Bitboard removed) {
 
 } // namespace
 
+Bitboard PieceAttacks(int from) {
+  const Piece piece = PieceOn(from);
+  switch (TypeOf(piece)) {
+  case kPawn:
+    return PawnAttacks[SideOf(piece)][static_cast<unsigned>(from)];
+  case kRook:
+    return RookAttacks(from, Occupied());
+  case kKnight:
+    return KnightAttacks[static_cast<unsigned>(from)];
+  case kBishop:
+    return BishopAttacks(from, Occupied());
+  case kQueen:
+    return QueenAttacks(from, Occupied());
+  case kKing:
+    return KingAttacks[static_cast<unsigned>(from)];
+  default:
+    return 0;
+  }
+}
+
 Bitboard AttackersTo(int square, Bitboard occupied) {
   const auto place = static_cast<unsigned>(square);
   return (PawnAttacks[kBlack][place] & Pieces(kWhite, kPawn)) | (PawnAttacks[kWhite][place] & Pieces(kBlack, kPawn)) |
@@ -74,22 +94,9 @@ bool IsPseudoLegalMove(int from, int to) {
     return false;
   if (target != kNoPiece && (SideOf(target) == SideOf(piece) || TypeOf(target) == kKing))
     return false;
-  switch (TypeOf(piece)) {
-  case kPawn:
+  if (TypeOf(piece) == kPawn)
     return IsPseudoLegalPawnMove(from, to);
-  case kRook:
-    return Contains(RookAttacks(from, Occupied()), to);
-  case kKnight:
-    return Contains(KnightAttacks[static_cast<unsigned>(from)], to);
-  case kBishop:
-    return Contains(BishopAttacks(from, Occupied()), to);
-  case kQueen:
-    return Contains(QueenAttacks(from, Occupied()), to);
-  case kKing:
-    return Contains(KingAttacks[static_cast<unsigned>(from)], to) || CanCastle(from, to);
-  default:
-    return false;
-  }
+  return Contains(PieceAttacks(from), to) || CanCastle(from, to);
 }
 
 bool IsLegalMove(int from, int to) {

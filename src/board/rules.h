@@ -8,6 +8,10 @@
 
 namespace zorvane {
 
+// The squares that the piece on from bears on, whatever stands there; pins and turns do not matter. A pawn bears on its
+// two capture squares alone.
+Bitboard PieceAttacks(int from);
+
 // All pieces of either side that bear on square when the occupied squares are those given.
 Bitboard AttackersTo(int square, Bitboard occupied);
 

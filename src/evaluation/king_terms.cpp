@@ -106,26 +106,6 @@ template <Side Attacker> int KingAttackPenalty(Bitboard zone, int shield, int ga
 
 } // namespace
 
-bool PieceAttacksSquare(int from, int to) {
-  const Piece piece = PieceOn(from);
-  switch (TypeOf(piece)) {
-  case kPawn:
-    return Contains(PawnAttacks[SideOf(piece)][static_cast<unsigned>(from)], to);
-  case kRook:
-    return Contains(RookAttacks(from, Occupied()), to);
-  case kKnight:
-    return Contains(KnightAttacks[static_cast<unsigned>(from)], to);
-  case kBishop:
-    return Contains(BishopAttacks(from, Occupied()), to);
-  case kQueen:
-    return Contains(QueenAttacks(from, Occupied()), to);
-  case kKing:
-    return Contains(KingAttacks[static_cast<unsigned>(from)], to);
-  default:
-    return false;
-  }
-}
-
 template <Side Us> int KingTerm(const Phase &phase) {
   const KingSquare &place = kKingSquares<Us>[static_cast<unsigned>(FindKingSquare(Us))];
   const int shield = CountSquares(place.Shield & Pieces(Us, kPawn));

@@ -6,8 +6,8 @@
 
 namespace zorvane {
 
-// True when the piece on from bears on the square to, whatever stands there; pins and turns do not matter.
-bool PieceAttacksSquare(int from, int to);
+// True when the piece on from bears on the square to.
+inline bool PieceAttacksSquare(int from, int to) { return Contains(PieceAttacks(from), to); }
 
 // The term of the king of side, centipawns, unsigned for colour, without the constant that both kings have.
 template <Side Us> int KingTerm(const Phase &phase);
