@@ -96,16 +96,25 @@ void WorkOut(PawnStructure &structure, Bitboard whitePawns, Bitboard blackPawns)
   structure.Valid = true;
 }
 
-int StepsBetween(int first, int second) {
-  return Absolute(FileOf(first) - FileOf(second)) + Absolute(RowOf(first) - RowOf(second));
+// Steps between two squares, counted by file and by row.
+constexpr std::array<std::array<std::int8_t, kSquares>, kSquares> MakeStepTable() {
+  std::array<std::array<std::int8_t, kSquares>, kSquares> table{};
+  for (int from = 0; from < kSquares; ++from)
+    for (int to = 0; to < kSquares; ++to)
+      table[static_cast<unsigned>(from)][static_cast<unsigned>(to)] =
+          static_cast<std::int8_t>(Absolute(FileOf(from) - FileOf(to)) + Absolute(RowOf(from) - RowOf(to)));
+  return table;
 }
+
+constexpr std::array<std::array<std::int8_t, kSquares>, kSquares> kSteps = MakeStepTable();
 
 int PassedEndgameTerm(const Phase &phase, Side side, int square) {
   return phase.PassedEndgameTerm[static_cast<unsigned>(RelativeRank(side, square))];
 }
 
 int RaceTerm(const Phase &phase, int square, int ownKing, int enemyKing) {
-  const int lead = StepsBetween(enemyKing, square) - StepsBetween(ownKing, square);
+  const auto place = static_cast<unsigned>(square);
+  const int lead = kSteps[static_cast<unsigned>(enemyKing)][place] - kSteps[static_cast<unsigned>(ownKing)][place];
   return phase.RaceTerms[static_cast<unsigned>(lead + kFarthestApart)];
 }
 
