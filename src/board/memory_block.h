@@ -13,8 +13,12 @@ struct MemoryBlock {
   std::size_t Length;
 };
 
-// The two blocks; written by the functions below alone.
+// The two blocks; read them through BlockOf. Written by AllocateBlock alone.
 extern std::array<MemoryBlock, 2> MemoryBlocks;
+
+inline const MemoryBlock &BlockOf(MemoryBlockNumber number) {
+  return MemoryBlocks[static_cast<unsigned>(number - kTranspositionBlock)];
+}
 
 // Gives the block length zero bytes at an address that is a multiple of 64, in place of what it had; 0 bytes leave it
 // without memory. When there is no memory the process ends with exit code 2 and no message.
@@ -25,7 +29,7 @@ void AllocateBlock(MemoryBlockNumber number, std::size_t length);
 
 // The record of type T at offset bytes into the block; ends the process when it does not lie inside.
 template <typename T> inline T &RecordAt(MemoryBlockNumber number, std::size_t offset) {
-  const MemoryBlock &block = MemoryBlocks[static_cast<unsigned>(number - kTranspositionBlock)];
+  const MemoryBlock &block = BlockOf(number);
   if (offset + sizeof(T) > block.Length) [[unlikely]]
     FailMemoryBounds(number, offset, sizeof(T));
   return *reinterpret_cast<T *>(block.Data + offset);

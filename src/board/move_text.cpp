@@ -1,6 +1,6 @@
 #include "board/move_text.h"
 
-#include <cstdio>
+#include <array>
 #include <cstring>
 
 #include "board/position_key.h"
@@ -66,17 +66,31 @@ bool ApplyUciMove(const char *text) {
   return true;
 }
 
+bool ApplyMoveList(char *moves) {
+  while (*moves != '\0') {
+    char *end = moves + std::strcspn(moves, " ");
+    const bool last = *end == '\0';
+    *end = '\0';
+    if (*moves != '\0' && !ApplyUciMove(moves))
+      return false;
+    moves = last ? end : end + 1;
+  }
+  return true;
+}
+
 void MoveText(BoundedString &out, Piece piece, int from, int to) {
-  std::array<char, 8> text{};
-  std::snprintf(text.data(), text.size(), "%c%c%c%c%s", 'a' + FileOf(from), '8' - RowOf(from), 'a' + FileOf(to),
-                '8' - RowOf(to), Promotes(piece, to) ? "q" : "");
+  const auto letter = [](int square) { return static_cast<char>('a' + FileOf(square)); };
+  const auto digit = [](int square) { return static_cast<char>('8' - RowOf(square)); };
+  const char suffix = Promotes(piece, to) ? 'q' : '\0';
+  const std::array<char, 6> text{letter(from), digit(from), letter(to), digit(to), suffix, '\0'};
   BoundedStringFromText(out, text.data());
 }
 
 void MoveIdTextForPiece(BoundedString &out, Piece piece, int from, int to) {
-  std::array<char, 8> text{};
-  std::snprintf(text.data(), text.size(), "%d%d%d%d%d", FileOf(from), RowOf(from), FileOf(to), RowOf(to),
-                Promotes(piece, to) ? static_cast<int>(kQueen) : 0);
+  const auto digit = [](int number) { return static_cast<char>('0' + number); };
+  const int promotion = Promotes(piece, to) ? static_cast<int>(kQueen) : 0;
+  const std::array<char, 6> text{digit(FileOf(from)), digit(RowOf(from)), digit(FileOf(to)),
+                                 digit(RowOf(to)),    digit(promotion),   '\0'};
   BoundedStringFromText(out, text.data());
 }
 

@@ -6,11 +6,13 @@
 
 namespace zorvane {
 
-// Coordinates are compared and printed as numbers of the board: files from a, rows from the eighth rank.
-
 // Plays the move that text names in coordinate notation, such as "e2e4" or "e7e8n", on the game's position: the side
 // to move, GamePly and the game history follow. False, with nothing changed, when the text is no legal move.
 bool ApplyUciMove(const char *text);
+
+// Plays the moves of a list, separated by blanks, up to the first that is refused. False when there was one. The text
+// is cut in the course of it.
+bool ApplyMoveList(char *moves);
 
 // Coordinate notation; "q" follows for a pawn that reaches the last row.
 void MoveText(BoundedString &out, Piece piece, int from, int to);

@@ -8,26 +8,25 @@ namespace {
 
 constexpr std::array<PieceType, 4> kPromotions{kRook, kKnight, kBishop, kQueen};
 
-std::uint64_t CountWithPromotions(Bitboard pawnTargets) {
-  return static_cast<std::uint64_t>(CountSquares(pawnTargets) + 3 * CountSquares(pawnTargets & kLastRows));
+int CountWithPromotions(Bitboard pawnTargets) {
+  return CountSquares(pawnTargets) + 3 * CountSquares(pawnTargets & kLastRows);
 }
 
 // The moves of the pawns given, which are all free or all held to one line.
-template <Side Us> std::uint64_t CountPawnMoves(Bitboard pawns, Bitboard allowed) {
+template <Side Us> int CountPawnMoves(Bitboard pawns, Bitboard allowed) {
   const Bitboard single = SinglePushes<Us>(pawns);
   const Bitboard captures = allowed & Position.BySide[Opposite(Us)] & ~Pieces(kKing);
-  return CountWithPromotions(single & allowed) +
-         static_cast<std::uint64_t>(CountSquares(DoublePushes<Us>(single) & allowed)) +
+  return CountWithPromotions(single & allowed) + CountSquares(DoublePushes<Us>(single) & allowed) +
          CountWithPromotions(TowardsA(Ahead<Us>(pawns)) & captures) +
          CountWithPromotions(TowardsH(Ahead<Us>(pawns)) & captures);
 }
 
 // Counts the legal moves without listing them.
-template <Side Us> std::uint64_t CountLeaves() {
+template <Side Us> int CountLeaves() {
   const KingDanger danger = FindKingDanger<Us>();
   int count = CountSquares(KingSteps<Us>(danger.King, kAllSquares));
   if (danger.Resolving == 0)
-    return static_cast<std::uint64_t>(count);
+    return count;
   count += CountSquares(CastlingTargets<Us>(danger)) + CountSquares(EnPassantCapturers<Us>());
 
   const Bitboard allowed = danger.Resolving & ~Position.BySide[Us] & ~Pieces(kKing);
@@ -47,19 +46,19 @@ template <Side Us> std::uint64_t CountLeaves() {
   }
 
   const Bitboard pawns = Pieces(Us, kPawn);
-  std::uint64_t pawnMoves = CountPawnMoves<Us>(pawns & ~danger.Pinned, allowed);
+  count += CountPawnMoves<Us>(pawns & ~danger.Pinned, allowed);
   Bitboard pinned = pawns & danger.Pinned;
   while (pinned != 0) {
     const int from = PopSquare(pinned);
-    pawnMoves += CountPawnMoves<Us>(Bit(from), allowed & PinLine(danger, from));
+    count += CountPawnMoves<Us>(Bit(from), allowed & PinLine(danger, from));
   }
-  return static_cast<std::uint64_t>(count) + pawnMoves;
+  return count;
 }
 
 template <Side Us> std::uint64_t PerftOf(int depth) {
   constexpr Side them = Opposite(Us);
   if (depth == 1)
-    return CountLeaves<Us>();
+    return static_cast<std::uint64_t>(CountLeaves<Us>());
   const KingDanger danger = FindKingDanger<Us>();
   const BoardState saved = Position;
   std::uint64_t leaves = 0;

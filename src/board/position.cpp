@@ -13,7 +13,7 @@ BoardState Position;
 Side SideToMove;
 Side RootSide;
 std::int64_t GamePly;
-std::array<UndoEntry, kUndoLevels> UndoStack;
+std::array<BoardState, kUndoLevels> UndoStack;
 
 namespace {
 

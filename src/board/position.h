@@ -34,8 +34,6 @@ struct alignas(32) BoardState {
   std::uint8_t EnPassantSquare; // where a capturing pawn lands, kNoSquare for none
 };
 
-using UndoEntry = BoardState;
-
 constexpr int kUndoLevels = 13;
 
 // Written by LoadFen, ApplyUciMove, MakeMove and RestoreState. SideToMove and GamePly do not follow a search,
@@ -44,7 +42,7 @@ extern BoardState Position;
 extern Side SideToMove;
 extern Side RootSide;        // the side that the next search is for
 extern std::int64_t GamePly; // half-moves of the game
-extern std::array<UndoEntry, kUndoLevels> UndoStack;
+extern std::array<BoardState, kUndoLevels> UndoStack;
 
 inline constexpr char StartFen[] = "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq - 0 1";
 

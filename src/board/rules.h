@@ -35,6 +35,11 @@ bool CanCastle(int from, int to);
 // True when the move is pseudo-legal and leaves the mover's king unattacked.
 bool IsLegalMove(int from, int to);
 
+// The same for a packed move that may come from another position: its from-square has to hold a piece of side.
+inline bool IsLegalMoveOf(Side side, PackedMove move) {
+  return Contains(Position.BySide[side], FromOf(move)) && IsLegalMove(FromOf(move), ToOf(move));
+}
+
 // True when the pawn's move to the square takes en passant: the square is empty and the target, one file aside.
 inline bool IsEnPassantMove(int from, int to) {
   return to == Position.EnPassantSquare && TypeOf(PieceOn(from)) == kPawn && PieceOn(to) == kNoPiece &&

@@ -73,7 +73,7 @@ int ComputeEvaluation() {
 int Evaluate() {
   if (TranspositionSlots == 0)
     return ComputeEvaluation();
-  TranspositionSlot &slot = CurrentSlot();
+  TranspositionSlot &slot = SlotAt(SlotOffset());
   const PositionKey key = TranspositionKey(SideToMove);
   const bool sameKey = slot.State != kSlotEmpty && slot.Key == key;
   if (sameKey && slot.State == kSlotEvaluated)

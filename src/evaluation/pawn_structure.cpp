@@ -139,7 +139,7 @@ const PawnStructure &CurrentPawnStructure() {
     WorkOut(uncached, whitePawns, blackPawns);
     return uncached;
   }
-  if (MemoryBlocks[kPawnCacheBlock - kTranspositionBlock].Length == 0) [[unlikely]]
+  if (BlockOf(kPawnCacheBlock).Length == 0) [[unlikely]]
     AllocateBlock(kPawnCacheBlock, kPawnCacheSlots * sizeof(PawnStructure));
   auto &slot = RecordAt<PawnStructure>(kPawnCacheBlock, PawnHash() % kPawnCacheSlots * sizeof(PawnStructure));
   if (slot.Pawns[kWhite] != whitePawns || slot.Pawns[kBlack] != blackPawns || !slot.Valid)

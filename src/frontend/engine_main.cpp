@@ -8,6 +8,7 @@
 #include "board/position.h"
 #include "evaluation/evaluate.h"
 #include "evaluation/pawn_structure.h"
+#include "frontend/exit_code.h"
 #include "frontend/request_file.h"
 #include "frontend/uci_loop.h"
 #include "platform/platform.h"
@@ -19,9 +20,6 @@
 namespace zorvane {
 
 namespace {
-
-constexpr int kSuccess = 0;
-constexpr int kFailure = 2;
 
 constexpr int kDefaultPerftDepth = 3;
 constexpr int kHighestPerftDepth = 6;

@@ -4,10 +4,12 @@
 #include <cstdio>
 #include <cstring>
 
+#include "board/move_text.h"
 #include "board/number_text.h"
 #include "board/position.h"
 #include "evaluation/pawn_structure.h"
-#include "frontend/uci_loop.h"
+#include "frontend/exit_code.h"
+#include "frontend/text_line.h"
 #include "platform/platform.h"
 #include "search/best_line.h"
 #include "search/root_search.h"
@@ -19,22 +21,17 @@ namespace zorvane {
 
 namespace {
 
-constexpr int kSuccess = 0;
-constexpr int kFailure = 2;
-
 constexpr std::size_t kLongestPath = 3900;
-constexpr std::size_t kLineSize = 16384;
 constexpr std::size_t kTokenSize = 128;
 
 constexpr char kHeader[] = "ZORVANE_C_REQUEST_1";
 constexpr char kPositionText[] = "position startpos";
-constexpr char kMovesWord[] = " moves ";
 
 constexpr double kShortestTimeMs = 1;
 constexpr double kLongestTimeMs = 300000;
 
 using PathBuffer = std::array<char, kPathBufferSize>;
-using Line = std::array<char, kLineSize>;
+using Line = std::array<char, kTextLineSize>;
 using Token = std::array<char, kTokenSize>;
 
 // The third line of a request.
@@ -55,16 +52,11 @@ PathBuffer NameOf(const char *requestPath, const char *ending) {
   return name;
 }
 
-PathBuffer TemporaryName(const char *requestPath) { return NameOf(requestPath, ".response.tmp"); }
-PathBuffer ResponseName(const char *requestPath) { return NameOf(requestPath, ".response"); }
-
-template <std::size_t Size> bool ReadLine(std::FILE *file, std::array<char, Size> &line) {
-  return std::fgets(line.data(), static_cast<int>(Size), file) != nullptr;
+bool ReadLine(std::FILE *file, char *line, std::size_t size) {
+  return std::fgets(line, static_cast<int>(size), file) != nullptr;
 }
 
-template <std::size_t Size> void CutLineEnd(std::array<char, Size> &line) {
-  line[std::strcspn(line.data(), "\r\n")] = '\0';
-}
+bool ReadLine(std::FILE *file, Line &line) { return ReadLine(file, line.data(), line.size()); }
 
 // Closes the stream; false when a write or the close failed.
 bool FinishWriting(std::FILE *file) {
@@ -72,14 +64,19 @@ bool FinishWriting(std::FILE *file) {
   return std::fclose(file) == 0 && written;
 }
 
-void PublishError(const char *path, const char *token, const char *message) {
-  const PathBuffer temporary = TemporaryName(path);
+// Writes the response under its temporary name and gives it its own once it is complete. Returns the message of the
+// failure, null for none.
+template <typename Write> const char *PublishResponse(const char *path, Write write) {
+  const PathBuffer temporary = NameOf(path, ".response.tmp");
   std::FILE *file = OpenForWriting(temporary.data());
   if (file == nullptr)
-    return;
-  std::fprintf(file, "%s\nERROR\n%s\n", token, message);
-  if (FinishWriting(file))
-    RenameFile(temporary.data(), ResponseName(path).data());
+    return "Cannot create response file";
+  write(file);
+  if (!FinishWriting(file))
+    return "Cannot write response file";
+  if (!RenameFile(temporary.data(), NameOf(path, ".response").data()))
+    return "Cannot publish response file";
+  return nullptr;
 }
 
 // Tells the failure on standard error, in the error file and, when the token is known, in a response.
@@ -92,8 +89,8 @@ int ReportRequestError(const char *path, const char *token, const char *message)
     std::fprintf(file, "%s\n", message);
     std::fclose(file);
   }
-  if (token != nullptr && token[0] != '\0')
-    PublishError(path, token, message);
+  if (token != nullptr)
+    PublishResponse(path, [&](std::FILE *response) { std::fprintf(response, "%s\nERROR\n%s\n", token, message); });
   return kFailure;
 }
 
@@ -121,11 +118,11 @@ bool AreInRange(const Parameters &parameters) {
 
 // Plays the position line from the initial position; false when it is no valid one.
 bool SetRequestedPosition(char *line) {
-  if (std::strncmp(line, kPositionText, std::strlen(kPositionText)) != 0)
+  if (!StartsWith(line, kPositionText))
     return false;
   LoadFen(StartFen);
-  char *moves = std::strstr(line, kMovesWord);
-  return moves == nullptr || ApplyMoveList(moves + std::strlen(kMovesWord));
+  char *moves = CutMoveList(line);
+  return moves == nullptr || ApplyMoveList(moves);
 }
 
 void ReadHints(std::FILE *file, Line &line) {
@@ -160,21 +157,8 @@ void WriteSearchResult(std::FILE *file, const char *token) {
   }
 }
 
-// Writes the response under its temporary name and gives it its own once it is complete.
-int PublishResponse(const char *path, const char *token, bool hasMove) {
-  const PathBuffer temporary = TemporaryName(path);
-  std::FILE *file = OpenForWriting(temporary.data());
-  if (file == nullptr)
-    return ReportRequestError(path, token, "Cannot create response file");
-  if (hasMove)
-    WriteSearchResult(file, token);
-  else
-    std::fprintf(file, "%s\nERROR\nKeine gueltige Stellung oder kein legaler Zug\n", token);
-  if (!FinishWriting(file))
-    return ReportRequestError(path, token, "Cannot write response file");
-  if (!RenameFile(temporary.data(), ResponseName(path).data()))
-    return ReportRequestError(path, token, "Cannot publish response file");
-  return kSuccess;
+void WriteNoMove(std::FILE *file, const char *token) {
+  std::fprintf(file, "%s\nERROR\nKeine gueltige Stellung oder kein legaler Zug\n", token);
 }
 
 // What a request file says, as far as it could be read.
@@ -190,11 +174,11 @@ const char *ReadRequest(std::FILE *file, Request &request) {
   static Line line;
   if (!ReadLine(file, line))
     return "Missing request header";
-  CutLineEnd(line);
+  CutLineEnd(line.data());
   const bool headerMatches = std::strcmp(line.data(), kHeader) == 0;
-  if (!ReadLine(file, request.TokenText))
+  if (!ReadLine(file, request.TokenText.data(), request.TokenText.size()))
     return "Missing request token";
-  CutLineEnd(request.TokenText);
+  CutLineEnd(request.TokenText.data());
   if (request.TokenText[0] == '\0')
     return "Empty request token";
   request.HasToken = true;
@@ -206,7 +190,7 @@ const char *ReadRequest(std::FILE *file, Request &request) {
     return "Search parameters out of range";
   if (!ReadLine(file, line))
     return "Missing position";
-  CutLineEnd(line);
+  CutLineEnd(line.data());
   request.HasPosition = SetRequestedPosition(line.data());
   ReadHints(file, line);
   return nullptr;
@@ -235,7 +219,10 @@ int RunRequest(const char *requestPath) {
     RemoveFile(CancelPath.data());
     return kSuccess;
   }
-  return PublishResponse(requestPath, token, request.HasPosition && Result.BestMove != kNoMove);
+  const bool hasMove = request.HasPosition && Result.BestMove != kNoMove;
+  failure = PublishResponse(requestPath,
+                            [&](std::FILE *response) { (hasMove ? WriteSearchResult : WriteNoMove)(response, token); });
+  return failure == nullptr ? kSuccess : ReportRequestError(requestPath, token, failure);
 }
 
 } // namespace zorvane

@@ -8,22 +8,16 @@
 #include "board/number_text.h"
 #include "board/position.h"
 #include "frontend/search_thread.h"
+#include "frontend/text_line.h"
 #include "search/transposition_table.h"
 
 namespace zorvane {
 
 namespace {
 
-constexpr std::size_t kLineSize = 16384;
-
 constexpr char kHashOption[] = "setoption name Hash value";
 constexpr char kPositionCommand[] = "position ";
-constexpr char kMovesWord[] = " moves ";
 constexpr char kFenWord[] = "fen ";
-
-bool StartsWith(const char *text, const char *beginning) {
-  return std::strncmp(text, beginning, std::strlen(beginning)) == 0;
-}
 
 void Say(const char *line) { std::printf("%s\n", line); }
 
@@ -49,15 +43,11 @@ void SetHash(const char *value) {
 void SetPosition(char *line) {
   StopSearchThread();
   char *position = line + std::strlen(kPositionCommand);
-  char *moves = std::strstr(line, kMovesWord);
+  char *moves = CutMoveList(line);
   // The blank before "moves" can be the one that ends the command word; nothing is left to name a position then.
-  if (moves != nullptr && moves < position) {
+  if (std::strlen(line) < std::strlen(kPositionCommand)) {
     Say("info string invalid position");
     return;
-  }
-  if (moves != nullptr) {
-    *moves = '\0';
-    moves += std::strlen(kMovesWord);
   }
   const char *fen = std::strcmp(position, "startpos") == 0 ? StartFen
                     : StartsWith(position, kFenWord)       ? position + std::strlen(kFenWord)
@@ -72,20 +62,8 @@ void SetPosition(char *line) {
 
 } // namespace
 
-bool ApplyMoveList(char *moves) {
-  while (*moves != '\0') {
-    char *end = moves + std::strcspn(moves, " ");
-    const bool last = *end == '\0';
-    *end = '\0';
-    if (*moves != '\0' && !ApplyUciMove(moves))
-      return false;
-    moves = last ? end : end + 1;
-  }
-  return true;
-}
-
 bool HandleUciCommand(char *line) {
-  line[std::strcspn(line, "\r\n")] = '\0';
+  CutLineEnd(line);
   const auto is = [line](const char *command) { return std::strcmp(line, command) == 0; };
   if (is("uci")) {
     Identify();
@@ -109,7 +87,7 @@ bool HandleUciCommand(char *line) {
 }
 
 int RunUciLoop() {
-  std::array<char, kLineSize> line;
+  std::array<char, kTextLineSize> line;
   while (std::fgets(line.data(), static_cast<int>(line.size()), stdin) != nullptr) {
     const bool goOn = HandleUciCommand(line.data());
     std::fflush(stdout);

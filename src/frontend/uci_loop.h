@@ -9,8 +9,4 @@ int RunUciLoop();
 // Acts on one command line, which may end in a line feed; the text is cut in the course of it. False for "quit".
 bool HandleUciCommand(char *line);
 
-// Plays the moves of a list, separated by blanks, up to the first that is refused. False when there was one. The text
-// is cut in the course of it.
-bool ApplyMoveList(char *moves);
-
 } // namespace zorvane

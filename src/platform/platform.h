@@ -39,15 +39,15 @@ void JoinWorker();
 // Puts the calling thread to sleep for at least that long.
 void SleepMilliseconds(int milliseconds);
 
-// Opens an existing file in binary mode; null when it cannot be opened or is a
-// directory. The caller closes it with std::fclose.
+// Opens an existing file in binary mode; null when it cannot be opened or is no
+// regular file. The caller closes it with std::fclose.
 std::FILE *OpenForReading(const char *path);
 
 // Creates the file, or empties an existing one, in binary mode; null when that
 // fails. The caller closes it with std::fclose.
 std::FILE *OpenForWriting(const char *path);
 
-// True when the path can be opened for reading at this moment. Cheap, never
+// True when the path is a file that can be opened for reading at this moment. Cheap, never
 // blocks, allocates nothing.
 bool CanOpenForReading(const char *path);
 

@@ -67,25 +67,31 @@ void SleepMilliseconds(int milliseconds) {
   }
 }
 
-std::FILE *OpenForReading(const char *path) {
-  std::FILE *file = std::fopen(path, "rbe");
-  if (file == nullptr) {
-    return nullptr;
-  }
-  // A directory opens without complaint and fails only when it is read.
+namespace {
+
+// Opens what can be read as a file, -1 for anything else: a directory opens without complaint and fails only when it
+// is read, and a named pipe would hold the engine until somebody writes to it.
+int OpenFile(const char *path) {
+  const int descriptor = open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
   struct stat status {};
-  if (fstat(fileno(file), &status) != 0 || S_ISDIR(status.st_mode)) {
-    std::fclose(file);
-    return nullptr;
+  if (descriptor >= 0 && (fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode))) {
+    close(descriptor);
+    return -1;
   }
-  return file;
+  return descriptor;
+}
+
+} // namespace
+
+std::FILE *OpenForReading(const char *path) {
+  const int descriptor = OpenFile(path);
+  return descriptor < 0 ? nullptr : fdopen(descriptor, "rb");
 }
 
 std::FILE *OpenForWriting(const char *path) { return std::fopen(path, "wbe"); }
 
 bool CanOpenForReading(const char *path) {
-  // Without O_NONBLOCK a named pipe would hold the search until it is written.
-  const int descriptor = open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+  const int descriptor = OpenFile(path);
   if (descriptor < 0) {
     return false;
   }

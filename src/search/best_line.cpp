@@ -52,7 +52,7 @@ bool PvMoveAtPly(int ply, Side side) {
   const PvEntry &entry = FinalPv[static_cast<unsigned>(ply)];
   if (ply < 1 || !entry.Valid || !(entry.Key == BuildPositionKey(side)))
     return false;
-  return Contains(Position.BySide[side], FromOf(entry.Move)) && IsLegalMove(FromOf(entry.Move), ToOf(entry.Move));
+  return IsLegalMoveOf(side, entry.Move);
 }
 
 } // namespace zorvane

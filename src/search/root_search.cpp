@@ -71,7 +71,7 @@ struct Pass {
 };
 
 int SearchChild(Side side, int alpha, int beta) {
-  return CurrentDepth == kThirdIteration ? ThirdIteration(side, 1, alpha, beta) : SearchLevel(side, 1, alpha, beta);
+  return CurrentDepth == kThirdIteration ? ThirdIteration(side, alpha, beta) : SearchLevels(side, alpha, beta);
 }
 
 bool IsBetter(int score, int best) { return RootSide == kWhite ? score > best : score < best; }
@@ -230,19 +230,11 @@ bool TryRootMove(Pass &pass, PackedMove move) {
   return true;
 }
 
-// A first move may come from another position of the same board; it has to be legal here.
-bool IsOwnLegalMove(PackedMove move) {
-  return Contains(Position.BySide[RootSide], FromOf(move)) && IsLegalMove(FromOf(move), ToOf(move));
-}
-
 // Tries the first move and then the list. False when the pass was stopped.
 bool TryRootMoves(Pass &pass) {
-  if (PreviousBestMove != kNoMove && Contains(Position.BySide[RootSide], FromOf(PreviousBestMove))) {
-    if (ShouldStop())
-      return false;
-    if (IsOwnLegalMove(PreviousBestMove) && !TryRootMove(pass, PreviousBestMove))
-      return false;
-  }
+  if (PreviousBestMove != kNoMove && IsLegalMoveOf(RootSide, PreviousBestMove) &&
+      (ShouldStop() || !TryRootMove(pass, PreviousBestMove)))
+    return false;
   for (int i = 0; i < RootMoveList.Count; ++i) {
     const PackedMove move = RootMoveList.Moves[static_cast<unsigned>(i)].Move;
     if (ShouldStop())

@@ -83,15 +83,15 @@ std::int64_t Iterate(SearchResult &kept) {
   return total;
 }
 
+// The score from the mover's view.
 std::array<char, 64> ScoreText() {
   std::array<char, 64> text{};
-  const int size = Absolute(Result.BestScore);
-  const bool isBad = (Result.BestScore < 0) != (RootSide == kBlack) && Result.BestScore != 0;
-  const int sign = isBad ? -1 : 1;
-  if (size >= kMateThreshold)
-    std::snprintf(text.data(), text.size(), "mate %d", sign * ((std::max(kMateValue - size, 0) + 1) / 2));
+  const int score = RootSide == kWhite ? Result.BestScore : -Result.BestScore;
+  const int mateMoves = (std::max(kMateValue - Absolute(score), 0) + 1) / 2;
+  if (Absolute(score) >= kMateThreshold)
+    std::snprintf(text.data(), text.size(), "mate %d", score < 0 ? -mateMoves : mateMoves);
   else
-    std::snprintf(text.data(), text.size(), "cp %d", sign * size);
+    std::snprintf(text.data(), text.size(), "cp %d", score);
   return text;
 }
 
@@ -107,6 +107,7 @@ void ResetSearchState() {
   Result.BestMove = kNoMove;
   BoundedStringFromText(Result.BestMoveText, "---");
   FallbackBest = Result;
+  HaveFallbackBest = false;
   CompletedDepth = 0;
   ElapsedMs = 0;
   LegalMoveCount = 0;

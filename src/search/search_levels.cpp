@@ -1,5 +1,8 @@
 #include "search/search_levels.h"
 
+#include <algorithm>
+#include <array>
+
 #include "board/legal_moves.h"
 #include "quiescence/killers_history.h"
 #include "quiescence/move_lists.h"
@@ -27,9 +30,11 @@ struct Node {
   PackedMove FirstMove; // kNoMove for none
 };
 
+constexpr int kFirstLevel = 1;
+
 enum class Outcome { kGoOn, kFinished };
 
-template <Side Us, TableUse Table> int Level(int ply, int alpha, int beta);
+template <Side Us, TableUse Table> int SearchLevel(int ply, int alpha, int beta);
 
 template <TableUse Table> void StoreBestMove(int ply) {
   if constexpr (Table == TableUse::kAsked)
@@ -39,7 +44,7 @@ template <TableUse Table> void StoreBestMove(int ply) {
 // The move to try first: that of the last iteration's best line, else the table's.
 template <Side Us, TableUse Table> PackedMove FindFirstMove(int ply) {
   if constexpr (Table == TableUse::kAsked)
-    return ProbeHashMove(ply, Us) ? HashMove[static_cast<unsigned>(ply)] : kNoMove;
+    return ProbeHashMove(ply, Us);
   return PvMoveAtPly(ply, Us) ? FinalPv[static_cast<unsigned>(ply)].Move : kNoMove;
 }
 
@@ -50,7 +55,7 @@ template <Side Us, TableUse Table> Outcome SearchMove(Node &node, PackedMove mov
   ++Nodes;
   MakeMoveOf<Us>(from, to);
   PrefetchSlot();
-  const int score = Level<Opposite(Us), Table>(node.Ply + 1, node.Alpha, node.Beta);
+  const int score = SearchLevel<Opposite(Us), Table>(node.Ply + 1, node.Alpha, node.Beta);
   RestoreState(node.Ply);
   if (SearchAborted)
     return Outcome::kFinished;
@@ -76,8 +81,8 @@ template <Side Us, TableUse Table> Outcome SearchMove(Node &node, PackedMove mov
 
 // A killer comes from another position: it has its turn when it is legal here and not among the captures and checks.
 template <Side Us> bool IsKillerToTry(const Node &node, PackedMove killer) {
-  return killer != kNoMove && killer != node.FirstMove && Contains(Position.BySide[Us], FromOf(killer)) &&
-         !IsInCaptureList(node.Ply, killer) && IsLegalMove(FromOf(killer), ToOf(killer));
+  return killer != kNoMove && killer != node.FirstMove && !IsInCaptureList(node.Ply, killer) &&
+         IsLegalMoveOf(Us, killer);
 }
 
 // Walks the stages: first move, captures and quiet checks, killers, other quiet moves.
@@ -108,7 +113,7 @@ template <Side Us, TableUse Table> Outcome SearchMoves(Node &node) {
 
 template <Side Us> int ScoreWithoutMoves(int ply) { return IsInCheck(Us) ? MatedScore(Us, ply) : 0; }
 
-template <Side Us, TableUse Table> int Level(int ply, int alpha, int beta) {
+template <Side Us, TableUse Table> int SearchLevel(int ply, int alpha, int beta) {
   PvClearFrom(ply);
   // At the horizon quiescence takes care of stops, repetitions, the fifty-move rule and material.
   if (CurrentDepth <= ply)
@@ -131,14 +136,14 @@ template <Side Us, TableUse Table> int Level(int ply, int alpha, int beta) {
 
 } // namespace
 
-int SearchLevel(Side side, int ply, int alpha, int beta) {
-  return side == kWhite ? Level<kWhite, TableUse::kAsked>(ply, alpha, beta)
-                        : Level<kBlack, TableUse::kAsked>(ply, alpha, beta);
+int SearchLevels(Side side, int alpha, int beta) {
+  return side == kWhite ? SearchLevel<kWhite, TableUse::kAsked>(kFirstLevel, alpha, beta)
+                        : SearchLevel<kBlack, TableUse::kAsked>(kFirstLevel, alpha, beta);
 }
 
-int ThirdIteration(Side side, int ply, int alpha, int beta) {
-  return side == kWhite ? Level<kWhite, TableUse::kLeftOut>(ply, alpha, beta)
-                        : Level<kBlack, TableUse::kLeftOut>(ply, alpha, beta);
+int ThirdIteration(Side side, int alpha, int beta) {
+  return side == kWhite ? SearchLevel<kWhite, TableUse::kLeftOut>(kFirstLevel, alpha, beta)
+                        : SearchLevel<kBlack, TableUse::kLeftOut>(kFirstLevel, alpha, beta);
 }
 
 } // namespace zorvane

@@ -8,12 +8,12 @@
 
 namespace zorvane {
 
-// Searches the position of ply, 1 to 8, with side to move: its moves when ply is below CurrentDepth, else quiescence.
-// Returns the score in centipawns from White's view, which may lie outside the window; after a stop it means
-// nothing and SearchAborted is set. The position is unchanged.
-int SearchLevel(Side side, int ply, int alpha, int beta);
+// Searches the position after a root move, with side to move, down to CurrentDepth and through quiescence. Returns the
+// score in centipawns from White's view, which may lie outside the window; after a stop it means nothing and
+// SearchAborted is set. The position is unchanged.
+int SearchLevels(Side side, int alpha, int beta);
 
 // The same for the third iteration, whose levels neither ask nor change the table.
-int ThirdIteration(Side side, int ply, int alpha, int beta);
+int ThirdIteration(Side side, int alpha, int beta);
 
 } // namespace zorvane

@@ -33,6 +33,7 @@ bool ShouldStop();
 extern int NodesToStopTest;
 constexpr int kNodesPerStopTest = 64;
 
+// PollStop's slow half: restarts the count and asks ShouldStop.
 bool AskShouldStop();
 
 // ShouldStop for the heads of nodes: asks every kNodesPerStopTest nodes, which take a small part of a millisecond.

@@ -1,6 +1,7 @@
 #include "search/transposition_table.h"
 
 #include "board/rules.h"
+#include "quiescence/killers_history.h"
 #include "search/best_line.h"
 #include "search/stop_control.h"
 
@@ -9,7 +10,6 @@ namespace zorvane {
 int TranspositionSizeKb;
 int TranspositionSlots;
 bool UseTranspositionMoves;
-std::array<PackedMove, 9> HashMove;
 
 namespace {
 
@@ -22,15 +22,10 @@ struct PreparedStore {
   int Generation;
 };
 
-std::array<PreparedStore, 9> Prepared;
+std::array<PreparedStore, kSearchPlies> Prepared;
 
 // Raised with every new table, so that a store can see that the table is no longer the one it probed.
 int TranspositionGeneration;
-
-bool IsOwnLegalMove(Side side, PackedMove move) {
-  const int from = FromOf(move);
-  return Contains(Position.BySide[side], from) && IsLegalMove(from, ToOf(move));
-}
 
 } // namespace
 
@@ -47,23 +42,18 @@ PackedMove ProbeTransposition(int ply, Side side) {
   PreparedStore &prepared = Prepared[static_cast<unsigned>(ply)];
   prepared.Offset = kNoSlot;
   prepared.Generation = TranspositionGeneration;
-  HashMove[static_cast<unsigned>(ply)] = kNoMove;
   if (!UseTranspositionMoves || TranspositionSlots == 0)
     return kNoMove;
-  const TranspositionSlot &slot = CurrentSlot();
   prepared.Key = TranspositionKey(side);
-  prepared.Offset = static_cast<std::size_t>(reinterpret_cast<const std::byte *>(&slot) -
-                                             &RecordAt<std::byte>(kTranspositionBlock, 0));
-  if (slot.State == kSlotEmpty || !(slot.Key == prepared.Key) || slot.Move == kNoMove)
-    return kNoMove;
-  return IsOwnLegalMove(side, slot.Move) ? slot.Move : kNoMove;
+  prepared.Offset = SlotOffset();
+  const TranspositionSlot &slot = SlotAt(prepared.Offset);
+  const bool hasMove = slot.State != kSlotEmpty && slot.Key == prepared.Key && slot.Move != kNoMove;
+  return hasMove && IsLegalMoveOf(side, slot.Move) ? slot.Move : kNoMove;
 }
 
-bool ProbeHashMove(int ply, Side side) {
+PackedMove ProbeHashMove(int ply, Side side) {
   const PackedMove probed = ProbeTransposition(ply, side);
-  PackedMove &first = HashMove[static_cast<unsigned>(ply)];
-  first = PvMoveAtPly(ply, side) ? FinalPv[static_cast<unsigned>(ply)].Move : probed;
-  return first != kNoMove;
+  return PvMoveAtPly(ply, side) ? FinalPv[static_cast<unsigned>(ply)].Move : probed;
 }
 
 void StoreTransposition(int ply) {
@@ -73,7 +63,7 @@ void StoreTransposition(int ply) {
   const PackedMove best = PvBestMove(ply);
   if (prepared.Generation != TranspositionGeneration || prepared.Offset == kNoSlot || best == kNoMove)
     return;
-  auto &slot = RecordAt<TranspositionSlot>(kTranspositionBlock, prepared.Offset);
+  TranspositionSlot &slot = SlotAt(prepared.Offset);
   if (slot.State == kSlotEmpty || !(slot.Key == prepared.Key)) {
     slot.Key = prepared.Key;
     slot.State = kSlotKeyOnly;

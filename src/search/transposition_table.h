@@ -32,24 +32,22 @@ extern int TranspositionSlots;  // 8 for each KiB
 // Request flag 1. With it off no move is read or stored, while evaluations are still remembered.
 extern bool UseTranspositionMoves;
 
-// The first move of each ply's node, kNoMove for none. Written by the probes.
-extern std::array<PackedMove, 9> HashMove;
-
 // The key of the position in the table: unlike a PositionKey it takes the en-passant square as it stands.
 inline PositionKey TranspositionKey(Side side) { return MakePositionKey(Position, side, Position.EnPassantSquare); }
 
-// The slot of the board. There must be a table.
-inline TranspositionSlot &CurrentSlot() {
-  const std::size_t index = BoardHash() & static_cast<std::uint32_t>(TranspositionSlots - 1);
-  return RecordAt<TranspositionSlot>(kTranspositionBlock, index * sizeof(TranspositionSlot));
+// The place of the board's slot in the table, in bytes. There must be a table.
+inline std::size_t SlotOffset() {
+  return (BoardHash() & static_cast<std::uint32_t>(TranspositionSlots - 1)) * sizeof(TranspositionSlot);
+}
+
+inline TranspositionSlot &SlotAt(std::size_t offset) {
+  return RecordAt<TranspositionSlot>(kTranspositionBlock, offset);
 }
 
 // Fetches the slot of the board ahead of its use.
 inline void PrefetchSlot() {
-  if (TranspositionSlots == 0)
-    return;
-  const std::size_t index = BoardHash() & static_cast<std::uint32_t>(TranspositionSlots - 1);
-  __builtin_prefetch(MemoryBlocks[0].Data + index * sizeof(TranspositionSlot));
+  if (TranspositionSlots != 0)
+    __builtin_prefetch(BlockOf(kTranspositionBlock).Data + SlotOffset());
 }
 
 // Makes an empty table of that size, 0, 512 or 1024 KiB; any other size is ignored. Ends the process with exit code 2
@@ -57,12 +55,12 @@ inline void PrefetchSlot() {
 void ResizeTransposition(int sizeKb);
 
 // The move stored for the position with side to move, when it is legal, else kNoMove. Prepares the store of the same
-// ply, 0 to 8.
+// ply, 0 to 7.
 PackedMove ProbeTransposition(int ply, Side side);
 
-// Sets HashMove of the ply: the best line's move where the search stands on it, else the table's. False when there
-// is none.
-bool ProbeHashMove(int ply, Side side);
+// The move to try first at a node of the ply, kNoMove for none: the best line's where the search stands on it, else the
+// table's. Prepares the store.
+PackedMove ProbeHashMove(int ply, Side side);
 
 // Stores the best move of the ply's line for the position of its probe. Does nothing once the search is aborted.
 void StoreTransposition(int ply);
