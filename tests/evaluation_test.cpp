@@ -82,10 +82,10 @@ TEST_F(EvaluationTest, NoPawnCacheForWhoeverSwitchesItOff) {
   AllocateBlock(kPawnCacheBlock, 0);
   PawnCacheEnabled = false;
   ComputeEvaluation();
-  EXPECT_EQ(MemoryBlocks[1].Length, 0U);
+  EXPECT_EQ(BlockOf(kPawnCacheBlock).Length, 0U);
   PawnCacheEnabled = true;
   ComputeEvaluation();
-  EXPECT_GT(MemoryBlocks[1].Length, 0U);
+  EXPECT_GT(BlockOf(kPawnCacheBlock).Length, 0U);
 }
 
 } // namespace

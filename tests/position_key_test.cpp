@@ -63,11 +63,12 @@ void PlayInGame(PackedMove move) {
     plain::Line.GameHistory.push_back(plain::PositionKey(PlainSide(SideToMove)));
 }
 
-// Mostly the way back of the move before the last, so that positions come again.
+// Mostly the way back of the move before the last, so that positions come again; bare kings wander, so that they come
+// again after any number of moves.
 PackedMove WaveringMove(const std::vector<PackedMove> &played) {
   const PackedMove mine = played.size() < 2 ? kNoMove : played[played.size() - 2];
-  if (mine != kNoMove && RandomBelow(8) != 0 && Contains(Position.BySide[SideToMove], ToOf(mine)) &&
-      IsLegalMove(ToOf(mine), FromOf(mine)))
+  if (mine != kNoMove && CountSquares(Occupied()) > 2 && RandomBelow(8) != 0 &&
+      Contains(Position.BySide[SideToMove], ToOf(mine)) && IsLegalMove(ToOf(mine), FromOf(mine)))
     return PackMove(ToOf(mine), FromOf(mine));
   return RandomMove();
 }
@@ -96,12 +97,12 @@ void CompareCountsOnALine(std::vector<PackedMove> played) {
 
 TEST_F(PositionKeyTest, RepetitionsInGamesAndLines) {
   for (const char *fen : {StartFen, "r3k2r/8/8/3pP3/8/8/8/R3K2R w KQkq d6 0 1", "8/8/8/3k4/8/8/3QK3/8 b - - 30 40",
-                          "4k3/2n2b2/8/2P1P3/8/1N4N1/P6p/4K3 w - - 0 1"}) {
+                          "k7/8/8/8/8/8/8/7K w - -", "4k3/2n2b2/8/2P1P3/8/1N4N1/P6p/4K3 w - - 0 1"}) {
     ASSERT_TRUE(LoadFen(fen));
     SetPlainPosition();
     plain::Line.GameHistory = {plain::PositionKey(PlainSide(SideToMove))};
     std::vector<PackedMove> played;
-    for (int i = 0; i < 60 && RandomMove() != kNoMove; ++i) {
+    for (int i = 0; i < 400 && RandomMove() != kNoMove; ++i) {
       CompareCountsOnALine(played);
       played.push_back(WaveringMove(played));
       PlayInGame(played.back());

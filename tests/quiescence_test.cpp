@@ -1,7 +1,8 @@
 // The last stage of a search line against its plain counterpart, rule by rule and at random, and the lists of a level.
+#include <algorithm>
+
 #include "board/legal_moves.h"
 #include "board/move_text.h"
-
 #include "evaluation/evaluate.h"
 #include "plain/plain_predicates.h"
 #include "plain/plain_quiescence.h"
@@ -175,6 +176,7 @@ TEST_F(QuiescenceTest, Predicates) {
       {"k7/8/8/3r1n2/8/4p3/4P3/K7 w - -", pawnFork, 0},
       {"8/8/3k1n2/8/4P3/8/8/4K3 w - -", pawnFork, 0},
       {"k7/8/8/3r1n2/8/4P3/K5q1/8 w - -", pawnFork, 0},
+      {"k7/8/8/8/8/3r1n2/8/K3P3 w - -", pawnFork, 0},
       {"k7/2r1q3/8/3N4/8/8/8/5K2 w - -", knightFork, 1},
       {"k7/2b1n3/8/3N4/8/8/8/4K3 w - -", knightFork, 0},
       {"8/2k1r3/8/3N4/8/8/8/5K2 w - -", knightFork, 0},

@@ -48,7 +48,7 @@ TEST_F(RulesTest, SlidersOnAnyOccupancy) {
            {std::pair{kRook, RookAttacks(square, Occupied())}, std::pair{kBishop, BishopAttacks(square, Occupied())},
             std::pair{kQueen, QueenAttacks(square, Occupied())}}) {
         plain::Position = state;
-        plain::At(PlainSquare(square)) = type;
+        plain::At(PlainSquare(square)) = static_cast<int>(type);
         for (int to = 0; to < kSquares; ++to)
           ASSERT_EQ(Contains(attacks, to), plain::PieceAttacksSquare({PlainSquare(square), PlainSquare(to)}));
       }

@@ -13,7 +13,8 @@ prepare_wine() {
   export LC_ALL=C.UTF-8
   if [[ ! -e $WINEPREFIX/system.reg ]]; then
     mkdir -p "$WINEPREFIX"
-    "$wine" wineboot -i >/dev/null 2>&1
+    "$wine" wineboot -i </dev/null >/dev/null 2>&1
+    "$wineserver" -w  # programs that start before all is set up may fail
   fi
 }
 

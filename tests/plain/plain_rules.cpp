@@ -9,6 +9,7 @@ BoardState Position;
 
 const std::vector<Square> kSquares = [] {
   std::vector<Square> squares;
+  squares.reserve(64);
   for (int i = 0; i < 64; ++i)
     squares.push_back({i % 8, i / 8});
   return squares;
