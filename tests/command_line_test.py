@@ -37,7 +37,7 @@ class CommandLine(unittest.TestCase):
                 (['--perft', '7', 'nonsense'], 2, '', BAD_FEN),
                 (['--perft', '1', ''], 2, '', BAD_FEN),
                 (['--perft', '1', BARE[:-2]], 2, '', BAD_FEN),
-                (['--perft', '1', '8/' * 30000], 2, '', BAD_FEN),
+                (['--perft', '1', '8/' * 15000], 2, '', BAD_FEN),
                 (['--foo', '2', 'nonsense'], 2, '', BAD_FEN),
                 (['--foo', '2'], 2, '', USAGE),
                 (['--foo', '2', BARE], 2, '', USAGE),

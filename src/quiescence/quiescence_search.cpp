@@ -21,6 +21,7 @@ constexpr int kEntryCredit = 3;
 constexpr int kBishopMoveLimit = 7;
 constexpr int kThreatLimit = 8;
 constexpr int kForkPushLimit = 9;
+constexpr int kFollowUpLimit = 9;
 constexpr int kCheckLimit = 10;
 constexpr int kLastPly = 11;
 
@@ -270,7 +271,7 @@ template <Side Us> int ForcedReplyOf(const Node &node, int remaining) {
 int ExtraChecksOf(const Node &node) {
   if (node.QuietCredit == kEntryCredit && node.Ply == CurrentDepth)
     return kHorizonExtraChecks;
-  const bool followsUp = node.QuietCredit == kEntryCredit - 1 && QuietLineDepth > 0 && node.Ply < kForkPushLimit &&
+  const bool followsUp = node.QuietCredit == kEntryCredit - 1 && QuietLineDepth > 0 && node.Ply < kFollowUpLimit &&
                          node.Ply == CurrentDepth + 2 && QuietLineNodes >= kQuietCheckNodeBudget;
   return followsUp ? kFollowUpExtraChecks : 0;
 }
