@@ -19,14 +19,16 @@ prepare_wine() {
 }
 
 # keep_wine PROGRAM
-# Keeps the server of that Windows up until stop_wine, which makes programs
-# start quickly. PROGRAM, run once with --status, brings up its services: they
+# Starts the server of that Windows and keeps it up until stop_wine, which
+# makes programs start quickly. A server that still lingers is no good, it may
+# know no screen. PROGRAM, run once with --status, brings up the services: they
 # would otherwise hold on to the streams of the first program of a test.
 keep_wine() {
+  stop_wine
   "$wineserver" -p
   "$wine" "$1" --status </dev/null >/dev/null 2>&1
 }
 
 stop_wine() {
-  "$wineserver" -k || true
+  "$wineserver" -k 2>/dev/null || true
 }
