@@ -1,4 +1,6 @@
 // The evaluation against its plain counterpart, its own mirror and itself without its memories.
+#include <algorithm>
+
 #include "board/memory_block.h"
 #include "evaluation/evaluate.h"
 #include "evaluation/pawn_structure.h"
@@ -25,6 +27,19 @@ TEST_F(EvaluationTest, AgreesWithThePlainOneWhateverIsRemembered) {
       EXPECT_EQ(Evaluate(), expected);
     }
     SideToMove = side;
+  });
+}
+
+TEST_F(EvaluationTest, WithinARangeItIsTheNumberElseTheSameEnd) {
+  ForRandomPositions(2000, [] {
+    const int expected = plain::ComputeEvaluation();
+    for (int i = 0; i < 6; ++i) { // the later ones meet what the earlier ones left in the table
+      const int floor = expected - 400 + RandomBelow(700);
+      const ScoreRange range{floor, floor + 1 + RandomBelow(300)};
+      const int score = EvaluateWithin(range);
+      EXPECT_EQ(std::clamp(score, range.Floor, range.Ceiling), std::clamp(expected, range.Floor, range.Ceiling));
+    }
+    EXPECT_EQ(Evaluate(), expected);
   });
 }
 

@@ -15,7 +15,6 @@ struct KingDanger {
   Bitboard Resolving;   // where a man other than the king may go: all squares, or those that answer the one check
   Bitboard RookReach;   // what the king sees along rows and files,
   Bitboard BishopReach; // and along diagonals
-  Bitboard Pinned;      // own men that may move along the line with their king alone; set by FindPins
 };
 
 // The pieces of the set shields that stand alone between the square and one of the sliders given. rookReach and
@@ -31,8 +30,7 @@ inline Bitboard Shields(int square, Bitboard shields, Bitboard rookReach, Bitboa
   return found;
 }
 
-// Everything but the pins, which many nodes can do without.
-template <Side Us> inline KingDanger FindCheckers() {
+template <Side Us> inline KingDanger FindKingDanger() {
   constexpr Side them = Opposite(Us);
   KingDanger danger;
   danger.King = FindKingSquare(Us);
@@ -51,22 +49,16 @@ template <Side Us> inline KingDanger FindCheckers() {
   return danger;
 }
 
-template <Side Us> inline void FindPins(KingDanger &danger) {
+// The own men that may move along the line with their king alone.
+template <Side Us> inline Bitboard PinnedMen(const KingDanger &danger) {
   constexpr Side them = Opposite(Us);
-  danger.Pinned = Shields(danger.King, Position.BySide[Us], danger.RookReach, danger.BishopReach,
-                          Pieces(them, kRook, kQueen), Pieces(them, kBishop, kQueen));
+  return Shields(danger.King, Position.BySide[Us], danger.RookReach, danger.BishopReach, Pieces(them, kRook, kQueen),
+                 Pieces(them, kBishop, kQueen));
 }
 
-template <Side Us> inline KingDanger FindKingDanger() {
-  KingDanger danger = FindCheckers<Us>();
-  FindPins<Us>(danger);
-  return danger;
-}
-
-// The line that a pinned man is held to, all squares for any other.
-inline Bitboard PinLine(const KingDanger &danger, int from) {
-  return Contains(danger.Pinned, from) ? Line[static_cast<unsigned>(danger.King)][static_cast<unsigned>(from)]
-                                       : kAllSquares;
+// The line that a man is held to when it is among those pinned, all squares for any other.
+inline Bitboard PinLine(int king, Bitboard pinned, int from) {
+  return Contains(pinned, from) ? Line[static_cast<unsigned>(king)][static_cast<unsigned>(from)] : kAllSquares;
 }
 
 // True when the king of Us would be attacked on the square, itself taken off the board.
@@ -154,30 +146,44 @@ struct PieceSquares {
   Bitboard Queen;
 };
 
-// Moves of rooks, knights, bishops and queens to the squares given; pins are looked at, checks are not.
-template <Side Us> inline void SetPieceMoves(MoveSets &moves, const PieceSquares &squares, const KingDanger &danger) {
+// Takes out what pins forbid, of moves that have been set without a look at them. Most positions have no move of a man
+// that its king sees, and so no need to know the pins.
+template <Side Us> inline void HoldPinned(MoveSets &moves, const KingDanger &danger) {
+  if ((moves.Froms & (danger.RookReach | danger.BishopReach)) == 0)
+    return;
+  for (Bitboard pinned = PinnedMen<Us>(danger) & moves.Froms; pinned != 0;) {
+    const int from = PopSquare(pinned);
+    Bitboard &targets = moves.Targets[static_cast<unsigned>(from)];
+    targets &= Line[static_cast<unsigned>(danger.King)][static_cast<unsigned>(from)];
+    if (targets == 0)
+      moves.Froms &= ~Bit(from);
+  }
+}
+
+// Moves of rooks, knights, bishops and queens to the squares given; checks and pins apart.
+template <Side Us> inline void SetPieceMoves(MoveSets &moves, const PieceSquares &squares) {
   const Bitboard occupied = Occupied();
   for (Bitboard rooks = Pieces(Us, kRook); rooks != 0;) {
     const int from = PopSquare(rooks);
-    SetMoves(moves, from, RookAttacks(from, occupied) & squares.Rook & PinLine(danger, from));
+    SetMoves(moves, from, RookAttacks(from, occupied) & squares.Rook);
   }
-  for (Bitboard knights = Pieces(Us, kKnight) & ~danger.Pinned; knights != 0;) {
+  for (Bitboard knights = Pieces(Us, kKnight); knights != 0;) {
     const int from = PopSquare(knights);
     SetMoves(moves, from, KnightAttacks[static_cast<unsigned>(from)] & squares.Knight);
   }
   for (Bitboard bishops = Pieces(Us, kBishop); bishops != 0;) {
     const int from = PopSquare(bishops);
-    SetMoves(moves, from, BishopAttacks(from, occupied) & squares.Bishop & PinLine(danger, from));
+    SetMoves(moves, from, BishopAttacks(from, occupied) & squares.Bishop);
   }
   for (Bitboard queens = Pieces(Us, kQueen); queens != 0;) {
     const int from = PopSquare(queens);
-    SetMoves(moves, from, QueenAttacks(from, occupied) & squares.Queen & PinLine(danger, from));
+    SetMoves(moves, from, QueenAttacks(from, occupied) & squares.Queen);
   }
 }
 
-// Moves of pawns: captures among the enemies given and pushes onto the squares given, en passant apart.
-template <Side Us>
-inline void SetPawnMoves(MoveSets &moves, Bitboard enemies, Bitboard pushSquares, const KingDanger &danger) {
+// Moves of pawns: captures among the enemies given and pushes onto the squares given; en passant, checks and pins
+// apart.
+template <Side Us> inline void SetPawnMoves(MoveSets &moves, Bitboard enemies, Bitboard pushSquares) {
   const Bitboard pawns = Pieces(Us, kPawn);
   const Bitboard single = SinglePushes<Us>(pawns);
   const Bitboard twice = DoublePushes<Us>(single) & pushSquares;
@@ -188,7 +194,7 @@ inline void SetPawnMoves(MoveSets &moves, Bitboard enemies, Bitboard pushSquares
     const int from = PopSquare(movers);
     const Bitboard step = Ahead<Us>(Bit(from)) & single;
     const Bitboard pushes = (step & pushSquares) | (Ahead<Us>(step) & twice);
-    SetMoves(moves, from, ((PawnAttacks[Us][static_cast<unsigned>(from)] & enemies) | pushes) & PinLine(danger, from));
+    SetMoves(moves, from, (PawnAttacks[Us][static_cast<unsigned>(from)] & enemies) | pushes);
   }
 }
 
@@ -199,22 +205,21 @@ template <Side Us> inline void SetLegalMoves(MoveSets &moves, const KingDanger &
   if (danger.Resolving == 0)
     return;
   const Bitboard allowed = danger.Resolving & ~Position.BySide[Us] & ~Pieces(kKing);
-  SetPieceMoves<Us>(moves, {allowed, allowed, allowed, allowed}, danger);
-  SetPawnMoves<Us>(moves, allowed & Position.BySide[Opposite(Us)], allowed, danger);
+  SetPieceMoves<Us>(moves, {allowed, allowed, allowed, allowed});
+  SetPawnMoves<Us>(moves, allowed & Position.BySide[Opposite(Us)], allowed);
+  HoldPinned<Us>(moves, danger);
   for (Bitboard pawns = EnPassantCapturers<Us>(); pawns != 0;)
     AddMoves(moves, PopSquare(pawns), EnPassantSet());
 }
 
-// True when Us has a legal move. Pins need not have been found.
+// True when Us has a legal move.
 template <Side Us> inline bool HasLegalMoveOf(const KingDanger &danger) {
   // A man that its king does not see cannot be pinned; a push of such a pawn settles it nearly always.
   const Bitboard unseen = Pieces(Us, kPawn) & ~(danger.RookReach | danger.BishopReach);
   if (danger.Checkers == 0 && SinglePushes<Us>(unseen) != 0)
     return true;
-  KingDanger pinned = danger;
-  FindPins<Us>(pinned);
   MoveSets moves;
-  SetLegalMoves<Us>(moves, pinned);
+  SetLegalMoves<Us>(moves, danger);
   return moves.Froms != 0;
 }
 

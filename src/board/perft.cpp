@@ -29,28 +29,29 @@ template <Side Us> int CountLeaves() {
     return count;
   count += CountSquares(CastlingTargets<Us>(danger)) + CountSquares(EnPassantCapturers<Us>());
 
+  const Bitboard held = PinnedMen<Us>(danger);
   const Bitboard allowed = danger.Resolving & ~Position.BySide[Us] & ~Pieces(kKing);
   const Bitboard occupied = Occupied();
-  Bitboard knights = Pieces(Us, kKnight) & ~danger.Pinned;
+  Bitboard knights = Pieces(Us, kKnight) & ~held;
   while (knights != 0)
     count += CountSquares(KnightAttacks[static_cast<unsigned>(PopSquare(knights))] & allowed);
   Bitboard diagonal = Pieces(Us, kBishop, kQueen);
   while (diagonal != 0) {
     const int from = PopSquare(diagonal);
-    count += CountSquares(BishopAttacks(from, occupied) & allowed & PinLine(danger, from));
+    count += CountSquares(BishopAttacks(from, occupied) & allowed & PinLine(danger.King, held, from));
   }
   Bitboard straight = Pieces(Us, kRook, kQueen);
   while (straight != 0) {
     const int from = PopSquare(straight);
-    count += CountSquares(RookAttacks(from, occupied) & allowed & PinLine(danger, from));
+    count += CountSquares(RookAttacks(from, occupied) & allowed & PinLine(danger.King, held, from));
   }
 
   const Bitboard pawns = Pieces(Us, kPawn);
-  count += CountPawnMoves<Us>(pawns & ~danger.Pinned, allowed);
-  Bitboard pinned = pawns & danger.Pinned;
+  count += CountPawnMoves<Us>(pawns & ~held, allowed);
+  Bitboard pinned = pawns & held;
   while (pinned != 0) {
     const int from = PopSquare(pinned);
-    count += CountPawnMoves<Us>(Bit(from), allowed & PinLine(danger, from));
+    count += CountPawnMoves<Us>(Bit(from), allowed & PinLine(danger.King, held, from));
   }
   return count;
 }

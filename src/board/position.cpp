@@ -99,10 +99,8 @@ void PutPiece(int square, Piece piece) {
   Position.BySide[SideOf(piece)] |= Bit(square);
   Position.ByType[TypeOf(piece) - 1] |= Bit(square);
   Position.Board[static_cast<unsigned>(square)] = piece;
-  Position.BoardSum += term.Hash;
-  Position.PawnSum += term.PawnHash;
-  Position.PlacementScore += term.Placement;
-  Position.MaterialSum += term.Material;
+  Position.Sum.Hash += term.Hash;
+  Position.Sum.Scores += term.Scores;
 }
 
 void RemovePiece(int square) {
@@ -111,10 +109,8 @@ void RemovePiece(int square) {
   Position.BySide[SideOf(piece)] &= ~Bit(square);
   Position.ByType[TypeOf(piece) - 1] &= ~Bit(square);
   Position.Board[static_cast<unsigned>(square)] = kNoPiece;
-  Position.BoardSum -= term.Hash;
-  Position.PawnSum -= term.PawnHash;
-  Position.PlacementScore -= term.Placement;
-  Position.MaterialSum -= term.Material;
+  Position.Sum.Hash -= term.Hash;
+  Position.Sum.Scores -= term.Scores;
 }
 
 bool LoadFen(const char *text) {

@@ -25,11 +25,8 @@ struct alignas(32) BoardState {
   std::array<Bitboard, 2> BySide;
   std::array<Bitboard, kPieceTypes> ByType; // both sides, at PieceType - 1
   std::array<Piece, kSquares> Board;
-  std::uint64_t BoardSum;      // sum of the hash terms of all pieces, not reduced
-  std::uint64_t PawnSum;       // the same of the pawns alone
-  std::int32_t PlacementScore; // sum of PlacementTerm, White's minus Black's
-  std::int32_t MaterialSum;    // rooks, knights, bishops and queens of both sides
-  std::int32_t HalfmoveClock;  // half-moves since the last capture or pawn move
+  SquareTerm Sum;             // of the terms of all pieces, the hash not reduced
+  std::int32_t HalfmoveClock; // half-moves since the last capture or pawn move
   std::uint8_t MovedFlags;
   std::uint8_t EnPassantSquare; // where a capturing pawn lands, kNoSquare for none
 };
@@ -56,9 +53,12 @@ inline Bitboard Pieces(Side side, PieceType first, PieceType second) {
   return Position.BySide[side] & Pieces(first, second);
 }
 
-// The polynomial hash of all squares, below 2^31 - 1; the pawn hash takes every other piece for an empty square.
-inline std::uint32_t BoardHash() { return ReduceHash(kEmptyBoardHash + Position.BoardSum); }
-inline std::uint32_t PawnHash() { return ReduceHash(kEmptyBoardHash + Position.PawnSum); }
+// The polynomial hash of all squares, below 2^31 - 1.
+inline std::uint32_t BoardHash() { return ReduceHash(kEmptyBoardHash + Position.Sum.Hash); }
+
+// The sum of PlacementTerm, White's minus Black's, and the worth of the rooks, knights, bishops and queens of both.
+inline int PlacementScore() { return PlacementOf(Position.Sum.Scores); }
+inline int MaterialSum() { return MaterialOf(Position.Sum.Scores); }
 
 // Puts a piece on an empty square, or takes it off; every sum follows.
 void PutPiece(int square, Piece piece);

@@ -40,9 +40,9 @@ int EffectiveEnPassantSquare(Side side) {
 
 int CountInGame(const PositionKey &key) {
   int count = 0;
-  for (int i = BucketOf(Position.BoardSum); i != kEndOfBucket; i = GameHistory[static_cast<unsigned>(i)].Next) {
+  for (int i = BucketOf(Position.Sum.Hash); i != kEndOfBucket; i = GameHistory[static_cast<unsigned>(i)].Next) {
     const GamePosition &position = GameHistory[static_cast<unsigned>(i)];
-    if (position.BoardSum == Position.BoardSum && position.Key == key)
+    if (position.BoardSum == Position.Sum.Hash && position.Key == key)
       ++count;
   }
   return count;
@@ -73,8 +73,8 @@ void StartGameHistory() {
 void PushGameHistory() {
   if (GameHistoryCount >= kGameHistoryLimit)
     return;
-  std::int16_t &bucket = BucketOf(Position.BoardSum);
-  GameHistory[static_cast<unsigned>(GameHistoryCount)] = {BuildPositionKey(SideToMove), Position.BoardSum, bucket};
+  std::int16_t &bucket = BucketOf(Position.Sum.Hash);
+  GameHistory[static_cast<unsigned>(GameHistoryCount)] = {BuildPositionKey(SideToMove), Position.Sum.Hash, bucket};
   bucket = static_cast<std::int16_t>(GameHistoryCount++);
 }
 
@@ -82,7 +82,7 @@ int CountEqualPositions(Side side, int ply) {
   const PositionKey key = BuildPositionKey(side);
   int count = CountInGame(key);
   for (int level = ply - kShortestCycle; level >= 1; level -= 2)
-    if (UndoStack[static_cast<unsigned>(level)].BoardSum == Position.BoardSum && KeyAtLevel(level, side) == key)
+    if (UndoStack[static_cast<unsigned>(level)].Sum.Hash == Position.Sum.Hash && KeyAtLevel(level, side) == key)
       ++count;
   return count;
 }

@@ -111,10 +111,8 @@ template <Side Us> inline void MakeMoveOf(int from, int to) {
     state.BySide[Opposite(Us)] ^= Bit(to);
     state.ByType[TypeOf(captured) - 1] ^= Bit(to);
   }
-  state.BoardSum = state.BoardSum + entered.Hash - left.Hash - taken.Hash;
-  state.PawnSum = state.PawnSum + entered.PawnHash - left.PawnHash - taken.PawnHash;
-  state.PlacementScore += entered.Placement - left.Placement - taken.Placement;
-  state.MaterialSum -= taken.Material;
+  state.Sum.Hash = state.Sum.Hash + entered.Hash - left.Hash - taken.Hash;
+  state.Sum.Scores = state.Sum.Scores + entered.Scores - left.Scores - taken.Scores;
   state.HalfmoveClock = captured != kNoPiece || type == kPawn ? 0 : state.HalfmoveClock + 1;
   state.MovedFlags |= static_cast<std::uint8_t>(kMovedFlagsBy[piece][place(from)] | kMovedFlagsBy[captured][place(to)]);
 

@@ -13,12 +13,21 @@ namespace zorvane {
 constexpr std::uint64_t kHashModulus = 2147483647;
 constexpr std::uint64_t kHashFactor = 131;
 
+// Side by side, so that one instruction adds both.
 struct SquareTerm {
-  std::uint32_t Hash;     // below kHashModulus
-  std::uint32_t PawnHash; // the same for a pawn, 0 for any other piece
-  std::int32_t Placement; // centipawns, negative for Black
-  std::int32_t Material;
+  std::uint64_t Hash;   // below kHashModulus
+  std::uint64_t Scores; // a PackScores
 };
+
+// Two sums in one word: the material in the upper half, in the lower one the placement, centipawns, negative for Black.
+// Such words are added and taken off as they are.
+constexpr std::uint64_t PackScores(int material, int placement) {
+  return (static_cast<std::uint64_t>(material) << 32) + static_cast<std::uint64_t>(placement);
+}
+constexpr int PlacementOf(std::uint64_t scores) {
+  return static_cast<std::int32_t>(static_cast<std::uint32_t>(scores));
+}
+constexpr int MaterialOf(std::uint64_t scores) { return static_cast<int>((scores + (1U << 31)) >> 32); }
 
 using SquareTermTable = std::array<std::array<SquareTerm, kSquares>, kPieceLimit>;
 
@@ -31,10 +40,8 @@ constexpr SquareTermTable MakeSquareTerms() {
         const auto type = static_cast<PieceType>(number);
         const Piece piece = MakePiece(side, type);
         SquareTerm &term = table[piece][static_cast<unsigned>(square)];
-        term.Hash = static_cast<std::uint32_t>(static_cast<std::uint64_t>(PieceCode(piece)) * power % kHashModulus);
-        term.PawnHash = type == kPawn ? term.Hash : 0;
-        term.Placement = PlacementTerm(side, type, square) * (side == kWhite ? 1 : -1);
-        term.Material = MaterialOf(type);
+        term.Hash = static_cast<std::uint64_t>(PieceCode(piece)) * power % kHashModulus;
+        term.Scores = PackScores(MaterialOf(type), PlacementTerm(side, type, square) * (side == kWhite ? 1 : -1));
       }
     }
     power = power * kHashFactor % kHashModulus;

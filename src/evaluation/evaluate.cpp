@@ -27,14 +27,14 @@ template <Side Us> int BishopPairScore() { return HasSeveral(Pieces(Us, kBishop)
 
 template <Side Us> int PieceScore(const PawnStructure &pawns, const Phase &phase) {
   return RookFileScore<Us>(pawns) + BishopPairScore<Us>() -
-         phase.QueenSortiePenalty * CountSquares(Pieces(Us, kQueen) & kSortieSquares[Us]) + KingTerm<Us>(phase);
+         phase.QueenSortiePenalty * CountSquares(Pieces(Us, kQueen) & kSortieSquares[Us]) + KingPlaceTerm<Us>(phase);
 }
 
 // The term of the piece on square other than a pawn, unsigned for colour.
 template <Side Us> double PieceTerm(const PawnStructure &pawns, const Phase &phase, int square) {
   const PieceType type = TypeOf(PieceOn(square));
   if (type == kKing)
-    return kKingConstant + KingTerm<Us>(phase);
+    return kKingConstant + KingPlaceTerm<Us>(phase) - KingAttackPenalty<Us>(phase);
   int term = PlacementTerm(Us, type, square);
   if (type == kRook && !Contains(pawns.Files[Us], square))
     term += kHalfOpenFile + (Contains(pawns.Files[Opposite(Us)], square) ? 0 : kOpenFile);
@@ -59,33 +59,66 @@ int SumInScanOrder(const PawnStructure &pawns, const Phase &phase) {
   return static_cast<int>(score + MatingDrive());
 }
 
-} // namespace
+// The score but for the attacks on the kings.
+int ScoreWithoutAttacks(const PawnStructure &pawns, const Phase &phase) {
+  return PlacementScore() + PawnScore(pawns, phase) + PieceScore<kWhite>(pawns, phase) -
+         PieceScore<kBlack>(pawns, phase) + MatingDrive();
+}
 
-int ComputeEvaluation() {
+int WorkOutWithin(ScoreRange range) {
   const Phase &phase = CurrentPhase();
   const PawnStructure &pawns = CurrentPawnStructure();
   if (pawns.IsFractional) [[unlikely]]
     return SumInScanOrder(pawns, phase);
-  return Position.PlacementScore + PawnScore(pawns, phase) + PieceScore<kWhite>(pawns, phase) -
-         PieceScore<kBlack>(pawns, phase) + MatingDrive();
+  const int score = ScoreWithoutAttacks(pawns, phase);
+  // The attack on White's king only lowers the score, that on Black's only lifts it. So an end of the range is certain
+  // once the one attack that leads away from it is known, or its limit.
+  if (score <= range.Floor) {
+    const int highest = score + HighestAttackPenalty<kBlack>(phase);
+    if (highest <= range.Floor)
+      return highest;
+    const int raised = score + KingAttackPenalty<kBlack>(phase);
+    return raised <= range.Floor ? raised : raised - KingAttackPenalty<kWhite>(phase);
+  }
+  int lowered = score - HighestAttackPenalty<kWhite>(phase);
+  if (lowered >= range.Ceiling)
+    return lowered;
+  lowered = score - KingAttackPenalty<kWhite>(phase);
+  return lowered >= range.Ceiling ? lowered : lowered + KingAttackPenalty<kBlack>(phase);
 }
 
-int Evaluate() {
+// True when the slot of the right key answers a caller with that range.
+bool HoldsEvaluation(const TranspositionSlot &slot, ScoreRange range) {
+  return slot.State == kSlotEvaluated || (slot.State == kSlotAtMost && slot.Evaluation <= range.Floor) ||
+         (slot.State == kSlotAtLeast && slot.Evaluation >= range.Ceiling);
+}
+
+SlotState StateOfScore(int score, ScoreRange range) {
+  return score <= range.Floor ? kSlotAtMost : score >= range.Ceiling ? kSlotAtLeast : kSlotEvaluated;
+}
+
+} // namespace
+
+int ComputeEvaluation() { return WorkOutWithin(kAllScores); }
+
+int EvaluateWithin(ScoreRange range) {
   if (TranspositionSlots == 0)
-    return ComputeEvaluation();
+    return WorkOutWithin(range);
   TranspositionSlot &slot = SlotAt(SlotOffset());
   const PositionKey key = TranspositionKey(SideToMove);
   const bool sameKey = slot.State != kSlotEmpty && slot.Key == key;
-  if (sameKey && slot.State == kSlotEvaluated)
+  if (sameKey && HoldsEvaluation(slot, range))
     return slot.Evaluation;
-  const int value = ComputeEvaluation();
+  const int value = WorkOutWithin(range);
   if (!sameKey) {
     slot.Key = key;
     slot.Move = kNoMove;
   }
   slot.Evaluation = value;
-  slot.State = kSlotEvaluated;
+  slot.State = StateOfScore(value, range);
   return value;
 }
+
+int Evaluate() { return EvaluateWithin(kAllScores); }
 
 } // namespace zorvane

@@ -15,7 +15,6 @@ constexpr int kFileWish = -3;
 constexpr int kCentreWish = 5;
 constexpr int kFullShield = 3;
 constexpr int kCountedZoneSquares = 3;
-constexpr int kHighestPenalty = 260;
 
 // What a piece of each type counts for each of up to three zone squares that it bears on, by PieceType.
 constexpr std::array<int, kPieceTypes + 1> kAttackWeights{0, 1, 3, 2, 2, 5, 1};
@@ -52,9 +51,7 @@ template <Side Us> constexpr std::array<KingSquare, kSquares> MakeKingSquares() 
 
 template <Side Us> constexpr std::array<KingSquare, kSquares> kKingSquares = MakeKingSquares<Us>();
 
-// Attackers and their weighted squares in one sum, the attackers in the upper half.
-constexpr int kAttackerShift = 16;
-constexpr int kOneAttacker = 1 << kAttackerShift;
+constexpr int kOneAttacker = 1 << 16;
 constexpr int kLargestZone = 15;
 
 // What a piece adds to the sum, by type and number of zone squares that it bears on.
@@ -82,7 +79,8 @@ template <Side Attacker> int PawnZoneTerms(Bitboard zone) {
          kAttackWeights[kPawn] * (CountSquares(towardsA) + CountSquares(towardsH));
 }
 
-template <Side Attacker> int KingAttackPenalty(Bitboard zone, int shield, int gamePhase) {
+// Attackers of a zone and their weighted squares in one sum, the attackers in the upper half.
+template <Side Attacker> int ZoneSum(Bitboard zone) {
   const Bitboard occupied = Occupied();
   int sum = PawnZoneTerms<Attacker>(zone) +
             ZoneTerm(kKing, KingAttacks[static_cast<unsigned>(FindKingSquare(Attacker))] & zone);
@@ -92,29 +90,40 @@ template <Side Attacker> int KingAttackPenalty(Bitboard zone, int shield, int ga
     sum += ZoneTerm(kKnight, KnightAttacks[static_cast<unsigned>(PopSquare(knights))] & zone);
   for (Bitboard bishops = Pieces(Attacker, kBishop); bishops != 0;)
     sum += ZoneTerm(kBishop, BishopAttacks(PopSquare(bishops), occupied) & zone);
-  const Bitboard queens = Pieces(Attacker, kQueen);
-  for (Bitboard rest = queens; rest != 0;)
-    sum += ZoneTerm(kQueen, QueenAttacks(PopSquare(rest), occupied) & zone);
+  for (Bitboard queens = Pieces(Attacker, kQueen); queens != 0;)
+    sum += ZoneTerm(kQueen, QueenAttacks(PopSquare(queens), occupied) & zone);
+  return sum;
+}
 
+template <Side Us> const KingSquare &PlaceOfKing() {
+  return kKingSquares<Us>[static_cast<unsigned>(FindKingSquare(Us))];
+}
+
+template <Side Us> int CountShield(const KingSquare &place) { return CountSquares(place.Shield & Pieces(Us, kPawn)); }
+
+} // namespace
+
+template <Side Us> int KingPlaceTerm(const Phase &phase) {
+  const KingSquare &place = PlaceOfKing<Us>();
+  const int middleGame = kShieldPawn * CountShield<Us>(place) + place.MiddleGame;
+  return (middleGame * phase.GamePhase + place.EndGame * phase.EndgameWeight) / kFullPhase;
+}
+
+template <Side Us> int KingAttackPenalty(const Phase &phase) {
+  const KingSquare &place = PlaceOfKing<Us>();
+  const int shield = CountShield<Us>(place);
+  const int sum = ZoneSum<Opposite(Us)>(place.Zone[shield > 0 ? 0 : 1]);
   if (sum < 2 * kOneAttacker)
     return 0;
   const int weighted = sum % kOneAttacker;
   const int raw = (kFullShield - shield) * weighted + weighted * weighted / 4;
-  const int penalty = gamePhase * std::min(raw, kHighestPenalty) / kFullPhase;
-  return queens != 0 ? penalty : penalty / 4;
+  const int penalty = phase.GamePhase * std::min(raw, kHighestRawPenalty) / kFullPhase;
+  return Pieces(Opposite(Us), kQueen) != 0 ? penalty : penalty / kAttackShareWithoutQueen;
 }
 
-} // namespace
-
-template <Side Us> int KingTerm(const Phase &phase) {
-  const KingSquare &place = kKingSquares<Us>[static_cast<unsigned>(FindKingSquare(Us))];
-  const int shield = CountSquares(place.Shield & Pieces(Us, kPawn));
-  const int square =
-      ((kShieldPawn * shield + place.MiddleGame) * phase.GamePhase + place.EndGame * phase.EndgameWeight) / kFullPhase;
-  return square - KingAttackPenalty<Opposite(Us)>(place.Zone[shield > 0 ? 0 : 1], shield, phase.GamePhase);
-}
-
-template int KingTerm<kWhite>(const Phase &phase);
-template int KingTerm<kBlack>(const Phase &phase);
+template int KingPlaceTerm<kWhite>(const Phase &phase);
+template int KingPlaceTerm<kBlack>(const Phase &phase);
+template int KingAttackPenalty<kWhite>(const Phase &phase);
+template int KingAttackPenalty<kBlack>(const Phase &phase);
 
 } // namespace zorvane

@@ -12,7 +12,8 @@ bool PawnCacheEnabled;
 
 namespace {
 
-constexpr std::size_t kPawnCacheSlots = 1024;
+constexpr int kPawnCacheBits = 10;
+constexpr std::size_t kPawnCacheSlots = std::size_t{1} << kPawnCacheBits;
 
 constexpr int kDoubledPenalty = 12;
 constexpr int kIsolatedPenalty = 15;
@@ -129,6 +130,11 @@ int PassedScore(const PawnStructure &structure, const Phase &phase, Side side) {
   return score;
 }
 
+// The slot of the pawns in the PawnCache, by two odd factors that spread the bits.
+std::size_t PawnCacheSlot(Bitboard whitePawns, Bitboard blackPawns) {
+  return (whitePawns * 0x9E3779B97F4A7C15U ^ blackPawns * 0xC2B2AE3D27D4EB4FU) >> (64 - kPawnCacheBits);
+}
+
 } // namespace
 
 const PawnStructure &CurrentPawnStructure() {
@@ -141,7 +147,7 @@ const PawnStructure &CurrentPawnStructure() {
   }
   if (BlockOf(kPawnCacheBlock).Length == 0) [[unlikely]]
     AllocateBlock(kPawnCacheBlock, kPawnCacheSlots * sizeof(PawnStructure));
-  auto &slot = RecordAt<PawnStructure>(kPawnCacheBlock, PawnHash() % kPawnCacheSlots * sizeof(PawnStructure));
+  auto &slot = RecordAt<PawnStructure>(kPawnCacheBlock, PawnCacheSlot(whitePawns, blackPawns) * sizeof(PawnStructure));
   if (slot.Pawns[kWhite] != whitePawns || slot.Pawns[kBlack] != blackPawns || !slot.Valid)
     WorkOut(slot, whitePawns, blackPawns);
   return slot;

@@ -15,6 +15,7 @@ constexpr Phase MakePhase(int gamePhase) {
   Phase phase{};
   phase.GamePhase = static_cast<std::int16_t>(gamePhase);
   phase.EndgameWeight = static_cast<std::int16_t>(endgameWeight);
+  phase.HighestAttackPenalty = static_cast<std::int16_t>(kHighestRawPenalty * gamePhase / kFullPhase);
   phase.CentralPawnBonus = static_cast<std::int8_t>(kCentralPawn * gamePhase / kFullPhase);
   phase.QueenSortiePenalty = static_cast<std::int8_t>(kQueenSortie * gamePhase / kFullPhase);
   for (int rank = 0; rank < 8; ++rank)

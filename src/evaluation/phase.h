@@ -15,9 +15,12 @@ constexpr int kFarthestApart = 14; // steps from one corner to the other, counte
 constexpr int kPhaseUnit = 10;
 constexpr int kPhases = kFullPhase / kPhaseUnit + 1;
 
+constexpr int kHighestRawPenalty = 260;
+
 struct alignas(64) Phase {
-  std::int16_t GamePhase;     // kFullPhase while all pieces are on, or more
-  std::int16_t EndgameWeight; // what GamePhase lacks of kFullPhase
+  std::int16_t GamePhase;            // kFullPhase while all pieces are on, or more
+  std::int16_t EndgameWeight;        // what GamePhase lacks of kFullPhase
+  std::int16_t HighestAttackPenalty; // of the attackers around a king
   std::int8_t CentralPawnBonus;
   std::int8_t QueenSortiePenalty;
   std::array<std::int16_t, 8> PassedEndgameTerm;             // by relative rank
@@ -28,7 +31,7 @@ struct alignas(64) Phase {
 extern const std::array<Phase, kPhases> PhaseTable;
 
 inline const Phase &CurrentPhase() {
-  return PhaseTable[static_cast<unsigned>(std::min(Position.MaterialSum, kFullPhase) / kPhaseUnit)];
+  return PhaseTable[static_cast<unsigned>(std::min(MaterialSum(), kFullPhase) / kPhaseUnit)];
 }
 
 } // namespace zorvane

@@ -51,9 +51,10 @@ struct Node {
   int Ply;
   int Alpha;
   int Beta;
-  int QuietCredit; // quiet tactical moves that the line may still hold
-  int Forced;      // a ForcedReply
-  int FloorPlies;  // plies for which the depth does not fall below 1
+  int QuietCredit;  // quiet tactical moves that the line may still hold
+  int Forced;       // a ForcedReply
+  ScoreRange Range; // what the callers can tell apart of the node's score
+  int FloorPlies;   // plies for which the depth does not fall below 1
 
   int Best;
   int ExtraChecks; // quiet checks allowed beyond the budget
@@ -116,13 +117,14 @@ void AddCastlingChecks(MoveSets &moves, int ply, const CheckTargets &checks, con
 // Bishop moves to empty squares from which the bishop, and not from where it stands, can take the queen's target.
 template <Side Us> void AddBishopMoves(MoveSets &moves, const Node &node, const KingDanger &danger) {
   const Bitboard diagonals = BishopAttacks(node.QueenTarget, 0) & ~Occupied();
+  const Bitboard pinned = PinnedMen<Us>(danger);
   SaveState(node.Ply);
   for (Bitboard bishops = Pieces(Us, kBishop); bishops != 0;) {
     const int from = PopSquare(bishops);
     const Bitboard reach = BishopAttacks(from, Occupied());
     if (Contains(reach, node.QueenTarget))
       continue;
-    for (Bitboard targets = reach & diagonals & PinLine(danger, from); targets != 0;) {
+    for (Bitboard targets = reach & diagonals & PinLine(danger.King, pinned, from); targets != 0;) {
       const int to = PopSquare(targets);
       MakeMoveOf<Us>(from, to);
       const bool counts = PieceAttacksSquare(to, node.QueenTarget) && IsLegalMove(to, node.QueenTarget);
@@ -138,8 +140,9 @@ template <Side Us> void AddBishopMoves(MoveSets &moves, const Node &node, const 
 template <Side Us> void SetCaptureZoneMoves(MoveSets &moves, const Node &node, const KingDanger &danger) {
   const Bitboard victims = Position.BySide[Opposite(Us)] & ~Pieces(kKing);
   const bool withForks = node.QuietCredit > 0 && node.Ply < kForkPushLimit;
-  SetPieceMoves<Us>(moves, {victims, victims, victims, victims}, danger);
-  SetPawnMoves<Us>(moves, victims, kLastRows | (withForks ? PawnForkSquares<Us>() : 0), danger);
+  SetPieceMoves<Us>(moves, {victims, victims, victims, victims});
+  SetPawnMoves<Us>(moves, victims, kLastRows | (withForks ? PawnForkSquares<Us>() : 0));
+  HoldPinned<Us>(moves, danger);
   SetMoves(moves, danger.King, KingSteps<Us>(danger.King, victims));
   for (Bitboard pawns = EnPassantCapturers<Us>(); pawns != 0;)
     AddMoves(moves, PopSquare(pawns), EnPassantSet());
@@ -154,8 +157,9 @@ template <Side Us> void SetRecaptures(MoveSets &moves, const Node &node, const K
   const Bitboard retaken = victims & UndoStack[static_cast<unsigned>(node.Ply - 1)].BySide[Us];
   const Bitboard others = node.Ply < kCheckLimit ? victims & ~retaken : 0;
   const CheckTargets checks = FindCheckTargets<Us>();
-  SetPieceMoves<Us>(moves, WantedSquares({retaken, others}, checks), danger);
-  SetPawnMoves<Us>(moves, retaken | (others & checks.From[kPawn]), 0, danger);
+  SetPieceMoves<Us>(moves, WantedSquares({retaken, others}, checks));
+  SetPawnMoves<Us>(moves, retaken | (others & checks.From[kPawn]), 0);
+  HoldPinned<Us>(moves, danger);
   SetMoves(moves, danger.King, KingSteps<Us>(danger.King, retaken));
   AddDiscoveries<Us>(moves, others, others, checks, danger);
 }
@@ -165,8 +169,9 @@ template <Side Us> void SetQuietChecks(MoveSets &moves, const Node &node, const 
   const bool captureZone = node.Depth > 0;
   const Bitboard empty = ~Occupied();
   const CheckTargets checks = FindCheckTargets<Us>();
-  SetPieceMoves<Us>(moves, WantedSquares({0, empty}, checks), danger);
-  SetPawnMoves<Us>(moves, 0, checks.From[kPawn], danger);
+  SetPieceMoves<Us>(moves, WantedSquares({0, empty}, checks));
+  SetPawnMoves<Us>(moves, 0, checks.From[kPawn]);
+  HoldPinned<Us>(moves, danger);
   AddDiscoveries<Us>(moves, empty, empty & ~EnPassantSet() & ~(captureZone ? kLastRows : 0), checks, danger);
   AddCastlingChecks<Us>(moves, node.Ply, checks, danger);
   if (!captureZone)
@@ -190,6 +195,15 @@ MoveKind FirstPassKind(const Node &node, bool forced, int from, int to) {
 
 template <Side Us> int Search(Node &node);
 
+// A child's score changes nothing where the best one so far is as good for the mover, nor where the node's own score
+// is no news to its callers.
+template <Side Us> ScoreRange ChildRange(const Node &node) {
+  if constexpr (Us == kWhite)
+    return {std::max(node.Range.Floor, node.Best), node.Range.Ceiling};
+  else
+    return {node.Range.Floor, std::min(node.Range.Ceiling, node.Best)};
+}
+
 // Plays one move and returns the child's score.
 template <Side Us> int SearchMove(Node &node, MoveKind kind, int from, int to) {
   const int decayed = node.FloorPlies > 1 ? node.FloorPlies - 1 : 0;
@@ -197,6 +211,7 @@ template <Side Us> int SearchMove(Node &node, MoveKind kind, int from, int to) {
   child.Ply = node.Ply + 1;
   child.Alpha = node.Alpha;
   child.Beta = node.Beta;
+  child.Range = ChildRange<Us>(node);
   child.Forced = kind == kForkPush || kind == kBishopMove ? kForkOnBoard : kNotForced;
   child.FloorPlies = kind == kBishopMove ? kExtraFloorPlies : decayed;
   if (kind == kOrdinaryMove) {
@@ -292,20 +307,16 @@ int CountNode(int remaining) {
   return capped ? std::min(remaining, 1) : remaining;
 }
 
-// The two passes of a node.
-template <Side Us> int TryPasses(Node &node, KingDanger &danger, bool forced) {
-  FindPins<Us>(danger);
-  MoveSets moves;
+// The two passes of a node that need not answer anything.
+template <Side Us> int TryPasses(Node &node, MoveSets &moves, const KingDanger &danger) {
   moves.Froms = 0;
-  if (forced)
-    SetLegalMoves<Us>(moves, danger);
-  else if (node.Depth > 0)
+  if (node.Depth > 0)
     SetCaptureZoneMoves<Us>(moves, node, danger);
   else
     SetRecaptures<Us>(moves, node, danger);
-  if (TryMoves<Us>(node, moves, false, forced))
+  if (TryMoves<Us>(node, moves, false, false))
     return node.Best;
-  if (forced || node.QuietCredit <= 0 || node.Ply >= kCheckLimit || !MayPlayQuietCheck(node))
+  if (node.QuietCredit <= 0 || node.Ply >= kCheckLimit || !MayPlayQuietCheck(node))
     return node.Best;
   moves.Froms = 0;
   SetQuietChecks<Us>(moves, node, danger);
@@ -317,7 +328,7 @@ template <Side Us> int Search(Node &node) {
   if (PollStop() || IsRepetitionDraw(Us, node.Ply))
     return 0;
   const int remaining = std::min(kLastPly - node.Ply, node.Depth);
-  KingDanger danger = FindCheckers<Us>();
+  const KingDanger danger = FindKingDanger<Us>();
   const bool inCheck = danger.Checkers != 0;
   node.ExtraChecks = 0;
   node.BishopMoves = 0;
@@ -329,41 +340,50 @@ template <Side Us> int Search(Node &node) {
       node.QueenTarget = QueenTargetOf<Us>(node, remaining);
     }
   }
-  if (!HasLegalMoveOf<Us>(danger))
-    return inCheck ? MatedScore(Us, node.Ply) : 0;
+  MoveSets moves;
+  if (inCheck) {
+    SetLegalMoves<Us>(moves, danger);
+    if (moves.Froms == 0)
+      return MatedScore(Us, node.Ply);
+  } else if (!HasLegalMoveOf<Us>(danger)) {
+    return 0;
+  }
   node.Depth = CountNode(remaining);
   if (Position.HalfmoveClock >= kFiftyMoveLimit || IsInsufficientMaterial())
     return 0;
 
   if (node.Ply >= kLastPly)
-    return Evaluate();
+    return EvaluateWithin(node.Range);
   if (node.Depth <= 0 && (node.FloorPlies > 0 || inCheck))
     node.Depth = 1;
-  const bool forced = inCheck || node.Forced != kNotForced;
   node.Best = Us == kWhite ? -kInfinity : kInfinity;
-  if (!forced && Improve<Us>(node, Evaluate()))
-    return node.Best;
-  return TryPasses<Us>(node, danger, forced);
+  if (!inCheck && node.Forced == kNotForced)
+    return Improve<Us>(node, EvaluateWithin(node.Range)) ? node.Best : TryPasses<Us>(node, moves, danger);
+  if (!inCheck)
+    SetLegalMoves<Us>(moves, danger);
+  TryMoves<Us>(node, moves, false, true);
+  return node.Best;
 }
 
 } // namespace
 
 void ResetQuiescenceCounters() { QuietLineDepth = QuietLineNodes = PlainLineNodes = 0; }
 
-template <Side Us> int EnterQuiescence(int ply, int alpha, int beta) {
+template <Side Us> int EnterQuiescence(int ply, int alpha, int beta, ScoreRange range) {
   ResetQuiescenceCounters();
   Node node;
   node.Depth = kEntryDepth;
   node.Ply = ply;
   node.Alpha = alpha;
   node.Beta = beta;
+  node.Range = range;
   node.QuietCredit = kEntryCredit;
   node.Forced = kNotForced;
   node.FloorPlies = 0;
   return Search<Us>(node);
 }
 
-template int EnterQuiescence<kWhite>(int ply, int alpha, int beta);
-template int EnterQuiescence<kBlack>(int ply, int alpha, int beta);
+template int EnterQuiescence<kWhite>(int ply, int alpha, int beta, ScoreRange range);
+template int EnterQuiescence<kBlack>(int ply, int alpha, int beta, ScoreRange range);
 
 } // namespace zorvane

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "board/types.h"
+#include "evaluation/evaluate.h"
 
 namespace zorvane {
 
@@ -14,8 +15,9 @@ constexpr int kMateThreshold = 800000; // from here on a score means mate
 constexpr int MatedScore(Side side, int ply) { return side == kWhite ? ply - kMateValue : kMateValue - ply; }
 
 // Searches the position with Us to move from ply, 1 to 8, on and returns its score, centipawns from White's view; it
-// may lie outside the window. After a stop the score means nothing and SearchAborted is set. The position is unchanged.
-template <Side Us> int EnterQuiescence(int ply, int alpha, int beta);
+// may lie outside the window, and outside the range it is any score of the same end. After a stop the score means
+// nothing and SearchAborted is set. The position is unchanged.
+template <Side Us> int EnterQuiescence(int ply, int alpha, int beta, ScoreRange range);
 
 // Sets the node counters of the quiescence to 0, as each root pass does.
 void ResetQuiescenceCounters();

@@ -25,6 +25,7 @@ struct Node {
   int Ply;
   int Alpha;
   int Beta;
+  ScoreRange Range; // what the callers can tell apart of the node's score
   int Best;
   bool Searched;
   PackedMove FirstMove; // kNoMove for none
@@ -34,7 +35,7 @@ constexpr int kFirstLevel = 1;
 
 enum class Outcome { kGoOn, kFinished };
 
-template <Side Us, TableUse Table> int SearchLevel(int ply, int alpha, int beta);
+template <Side Us, TableUse Table> int SearchLevel(int ply, int alpha, int beta, ScoreRange range);
 
 template <TableUse Table> void StoreBestMove(int ply) {
   if constexpr (Table == TableUse::kAsked)
@@ -48,6 +49,15 @@ template <Side Us, TableUse Table> PackedMove FindFirstMove(int ply) {
   return PvMoveAtPly(ply, Us) ? FinalPv[static_cast<unsigned>(ply)].Move : kNoMove;
 }
 
+// A child's score that is no better than the best so far leaves no trace. One that its grandparent cannot tell from
+// others cuts the node, whichever it is; at the other end the scores still decide on the best line and stay apart.
+template <Side Us> ScoreRange ChildRange(const Node &node) {
+  if constexpr (Us == kWhite)
+    return {node.Best, node.Range.Ceiling};
+  else
+    return {node.Range.Floor, node.Best};
+}
+
 // Searches one legal move and takes its score in. Finished when the node is cut or the search stopped.
 template <Side Us, TableUse Table> Outcome SearchMove(Node &node, PackedMove move) {
   const int from = FromOf(move);
@@ -55,7 +65,7 @@ template <Side Us, TableUse Table> Outcome SearchMove(Node &node, PackedMove mov
   ++Nodes;
   MakeMoveOf<Us>(from, to);
   PrefetchSlot();
-  const int score = SearchLevel<Opposite(Us), Table>(node.Ply + 1, node.Alpha, node.Beta);
+  const int score = SearchLevel<Opposite(Us), Table>(node.Ply + 1, node.Alpha, node.Beta, ChildRange<Us>(node));
   RestoreState(node.Ply);
   if (SearchAborted)
     return Outcome::kFinished;
@@ -113,18 +123,18 @@ template <Side Us, TableUse Table> Outcome SearchMoves(Node &node) {
 
 template <Side Us> int ScoreWithoutMoves(int ply) { return IsInCheck(Us) ? MatedScore(Us, ply) : 0; }
 
-template <Side Us, TableUse Table> int SearchLevel(int ply, int alpha, int beta) {
+template <Side Us, TableUse Table> int SearchLevel(int ply, int alpha, int beta, ScoreRange range) {
   PvClearFrom(ply);
   // At the horizon quiescence takes care of stops, repetitions, the fifty-move rule and material.
   if (CurrentDepth <= ply)
-    return EnterQuiescence<Us>(ply, alpha, beta);
+    return EnterQuiescence<Us>(ply, alpha, beta, range);
   if (PollStop() || IsRepetitionDraw(Us, ply))
     return 0;
   if (Position.HalfmoveClock >= kFiftyMoveLimit || IsInsufficientMaterial())
     return HasLegalMove(Us) ? 0 : ScoreWithoutMoves<Us>(ply);
 
   GenerateMoves<Us>(ply);
-  Node node{ply, alpha, beta, Us == kWhite ? -kInfinity : kInfinity, false, FindFirstMove<Us, Table>(ply)};
+  Node node{ply, alpha, beta, range, Us == kWhite ? -kInfinity : kInfinity, false, FindFirstMove<Us, Table>(ply)};
   SaveState(ply);
   if (SearchMoves<Us, Table>(node) == Outcome::kFinished)
     return node.Best;
@@ -137,13 +147,13 @@ template <Side Us, TableUse Table> int SearchLevel(int ply, int alpha, int beta)
 } // namespace
 
 int SearchLevels(Side side, int alpha, int beta) {
-  return side == kWhite ? SearchLevel<kWhite, TableUse::kAsked>(kFirstLevel, alpha, beta)
-                        : SearchLevel<kBlack, TableUse::kAsked>(kFirstLevel, alpha, beta);
+  return side == kWhite ? SearchLevel<kWhite, TableUse::kAsked>(kFirstLevel, alpha, beta, kAllScores)
+                        : SearchLevel<kBlack, TableUse::kAsked>(kFirstLevel, alpha, beta, kAllScores);
 }
 
 int ThirdIteration(Side side, int alpha, int beta) {
-  return side == kWhite ? SearchLevel<kWhite, TableUse::kLeftOut>(kFirstLevel, alpha, beta)
-                        : SearchLevel<kBlack, TableUse::kLeftOut>(kFirstLevel, alpha, beta);
+  return side == kWhite ? SearchLevel<kWhite, TableUse::kLeftOut>(kFirstLevel, alpha, beta, kAllScores)
+                        : SearchLevel<kBlack, TableUse::kLeftOut>(kFirstLevel, alpha, beta, kAllScores);
 }
 
 } // namespace zorvane

@@ -13,7 +13,9 @@ namespace zorvane {
 enum SlotState : std::uint8_t {
   kSlotEmpty = 0,
   kSlotEvaluated = 1, // key and evaluation hold
-  kSlotKeyOnly = 2    // the key holds, there is no evaluation
+  kSlotKeyOnly = 2,   // the key holds, there is no evaluation
+  kSlotAtMost = 3,    // the key holds, and the evaluation is the number there or less,
+  kSlotAtLeast = 4    // or that or more
 };
 
 struct alignas(64) TranspositionSlot {

@@ -205,12 +205,10 @@ std::string PositionKey(int side) {
   return key + "E" + EnPassantKeyText(side);
 }
 
-long long BoardHash(bool pawnsOnly) {
+long long BoardHash() {
   long long hash = 0;
-  for (const Square s : kSquares) {
-    const bool counts = !pawnsOnly || PieceType(At(s)) == kPawn;
-    hash = (hash * 131 + (counts ? At(s) : 0) + 1) % 2147483647;
-  }
+  for (const Square s : kSquares)
+    hash = (hash * 131 + At(s) + 1) % 2147483647;
   return hash;
 }
 

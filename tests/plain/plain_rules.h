@@ -68,8 +68,8 @@ bool MoveGivesCheck(Move m);
 std::vector<Move> LegalMoves(int side);
 unsigned long long Perft(int side, int depth);
 
-// The identity of the position as text, and the two hashes.
+// The identity of the position as text, and its hash.
 std::string PositionKey(int side);
-long long BoardHash(bool pawnsOnly);
+long long BoardHash();
 
 } // namespace plain
