@@ -113,13 +113,15 @@ template <Side Us> inline void MakeMoveOf(int from, int to) {
   }
   state.Sum.Hash = state.Sum.Hash + entered.Hash - left.Hash - taken.Hash;
   state.Sum.Scores = state.Sum.Scores + entered.Scores - left.Scores - taken.Scores;
-  state.HalfmoveClock = captured != kNoPiece || type == kPawn ? 0 : state.HalfmoveClock + 1;
+  const auto reversible = static_cast<std::int32_t>((captured == kNoPiece) & (type != kPawn));
+  state.HalfmoveClock = (state.HalfmoveClock + 1) * reversible;
   state.MovedFlags |= static_cast<std::uint8_t>(kMovedFlagsBy[piece][place(from)] | kMovedFlagsBy[captured][place(to)]);
 
   const bool onTarget = to == state.EnPassantSquare && captured == kNoPiece;
   state.EnPassantSquare = kNoSquare;
   const int span = Absolute(to - from);
-  if ((type == kPawn && (span == 16 || onTarget || Contains(kLastRows, to))) || (type == kKing && span == 2))
+  // One branch that is hardly ever taken.
+  if (((type == kPawn) & ((span == 16) | onTarget | Contains(kLastRows, to))) | ((type == kKing) & (span == 2)))
     FinishSpecialMove<Us>(type, from, to);
 }
 

@@ -27,7 +27,7 @@ template <Side Us> int BishopPairScore() { return HasSeveral(Pieces(Us, kBishop)
 
 template <Side Us> int PieceScore(const PawnStructure &pawns, const Phase &phase) {
   return RookFileScore<Us>(pawns) + BishopPairScore<Us>() -
-         phase.QueenSortiePenalty * CountSquares(Pieces(Us, kQueen) & kSortieSquares[Us]) + KingPlaceTerm<Us>(phase);
+         phase.QueenSortiePenalty * CountSquares(Pieces(Us, kQueen) & kSortieSquares[Us]);
 }
 
 // The term of the piece on square other than a pawn, unsigned for colour.
@@ -59,31 +59,36 @@ int SumInScanOrder(const PawnStructure &pawns, const Phase &phase) {
   return static_cast<int>(score + MatingDrive());
 }
 
-// The score but for the attacks on the kings.
-int ScoreWithoutAttacks(const PawnStructure &pawns, const Phase &phase) {
-  return PlacementScore() + PawnScore(pawns, phase) + PieceScore<kWhite>(pawns, phase) -
-         PieceScore<kBlack>(pawns, phase) + MatingDrive();
-}
-
+// From cheap terms to dear ones, for as long as those left over could lift the score out of its end of the range.
 int WorkOutWithin(ScoreRange range) {
   const Phase &phase = CurrentPhase();
   const PawnStructure &pawns = CurrentPawnStructure();
   if (pawns.IsFractional) [[unlikely]]
     return SumInScanOrder(pawns, phase);
-  const int score = ScoreWithoutAttacks(pawns, phase);
+  int score = PlacementScore() + pawns.Score + PieceScore<kWhite>(pawns, phase) - PieceScore<kBlack>(pawns, phase) +
+              MatingDrive();
+  const int mostLowering = HighestAttackPenalty<kWhite>(phase);
+  const int mostLifting = HighestAttackPenalty<kBlack>(phase);
+  const int highest = score + pawns.HighestPhaseTerms + kKingPlaceSpread + mostLifting;
+  const int lowest = score + pawns.LowestPhaseTerms - kKingPlaceSpread - mostLowering;
+  if (highest <= range.Floor)
+    return highest;
+  if (lowest >= range.Ceiling)
+    return lowest;
+
+  score += PawnPhaseScore(pawns, phase) + KingPlaceTerm<kWhite>(phase) - KingPlaceTerm<kBlack>(phase);
+  if (score + mostLifting <= range.Floor)
+    return score + mostLifting;
+  if (score - mostLowering >= range.Ceiling)
+    return score - mostLowering;
+
   // The attack on White's king only lowers the score, that on Black's only lifts it. So an end of the range is certain
-  // once the one attack that leads away from it is known, or its limit.
+  // once the one attack that leads away from it is known.
   if (score <= range.Floor) {
-    const int highest = score + HighestAttackPenalty<kBlack>(phase);
-    if (highest <= range.Floor)
-      return highest;
-    const int raised = score + KingAttackPenalty<kBlack>(phase);
-    return raised <= range.Floor ? raised : raised - KingAttackPenalty<kWhite>(phase);
+    const int lifted = score + KingAttackPenalty<kBlack>(phase);
+    return lifted <= range.Floor ? lifted : lifted - KingAttackPenalty<kWhite>(phase);
   }
-  int lowered = score - HighestAttackPenalty<kWhite>(phase);
-  if (lowered >= range.Ceiling)
-    return lowered;
-  lowered = score - KingAttackPenalty<kWhite>(phase);
+  const int lowered = score - KingAttackPenalty<kWhite>(phase);
   return lowered >= range.Ceiling ? lowered : lowered + KingAttackPenalty<kBlack>(phase);
 }
 

@@ -34,7 +34,7 @@ template <Side Us> int DriveOf() {
 
 } // namespace
 
-int MatingDrive() {
+int DriveAgainstBareKing() {
   if (IsBare(kBlack) && Pieces(kWhite, kRook, kQueen) != 0)
     return DriveOf<kWhite>();
   if (IsBare(kWhite) && Pieces(kBlack, kRook, kQueen) != 0)

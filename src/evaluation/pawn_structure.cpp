@@ -88,13 +88,31 @@ template <Side Us> int AddSide(PawnStructure &structure) {
   return score;
 }
 
+// The least and the most that phase and kings may add for the pawns of a side; a race term is at most kRaceLimit.
+struct TermLimits {
+  int Lowest;
+  int Highest;
+};
+
+TermLimits PhaseTermLimits(const PawnStructure &structure, Side side) {
+  TermLimits limits{0, kCentralPawn * CountSquares(structure.Pawns[side] & kCentralSquares)};
+  for (Bitboard rest = structure.Passed[side]; rest != 0;) {
+    limits.Lowest -= kRaceLimit;
+    limits.Highest += kRaceLimit + PassedEndgameLimit(RelativeRank(side, PopSquare(rest)));
+  }
+  return limits;
+}
+
 void WorkOut(PawnStructure &structure, Bitboard whitePawns, Bitboard blackPawns) {
   structure = {};
   structure.Pawns = {whitePawns, blackPawns};
   structure.Score = AddSide<kWhite>(structure) - AddSide<kBlack>(structure);
   structure.CentralPawns = static_cast<std::int16_t>(CountSquares(whitePawns & kCentralSquares) -
                                                      CountSquares(blackPawns & kCentralSquares));
-  structure.Valid = true;
+  const TermLimits white = PhaseTermLimits(structure, kWhite);
+  const TermLimits black = PhaseTermLimits(structure, kBlack);
+  structure.LowestPhaseTerms = static_cast<std::int16_t>(white.Lowest - black.Highest);
+  structure.HighestPhaseTerms = static_cast<std::int16_t>(white.Highest - black.Lowest);
 }
 
 // Steps between two squares, counted by file and by row.
@@ -130,9 +148,16 @@ int PassedScore(const PawnStructure &structure, const Phase &phase, Side side) {
   return score;
 }
 
-// The slot of the pawns in the PawnCache, by two odd factors that spread the bits.
-std::size_t PawnCacheSlot(Bitboard whitePawns, Bitboard blackPawns) {
-  return (whitePawns * 0x9E3779B97F4A7C15U ^ blackPawns * 0xC2B2AE3D27D4EB4FU) >> (64 - kPawnCacheBits);
+// Where the structure of the pawns belongs: a slot of the PawnCache, or with the cache off one that forgets.
+PawnStructure &SlotFor(Bitboard whitePawns, Bitboard blackPawns) {
+  static PawnStructure uncached;
+  if (!PawnCacheEnabled)
+    return uncached = {};
+  if (BlockOf(kPawnCacheBlock).Length == 0) [[unlikely]]
+    AllocateBlock(kPawnCacheBlock, kPawnCacheSlots * sizeof(PawnStructure));
+  // Two odd factors spread the bits.
+  const std::uint64_t hash = whitePawns * 0x9E3779B97F4A7C15U ^ blackPawns * 0xC2B2AE3D27D4EB4FU;
+  return RecordAt<PawnStructure>(kPawnCacheBlock, (hash >> (64 - kPawnCacheBits)) * sizeof(PawnStructure));
 }
 
 } // namespace
@@ -140,21 +165,14 @@ std::size_t PawnCacheSlot(Bitboard whitePawns, Bitboard blackPawns) {
 const PawnStructure &CurrentPawnStructure() {
   const Bitboard whitePawns = Pieces(kWhite, kPawn);
   const Bitboard blackPawns = Pieces(kBlack, kPawn);
-  if (!PawnCacheEnabled) {
-    static PawnStructure uncached;
-    WorkOut(uncached, whitePawns, blackPawns);
-    return uncached;
-  }
-  if (BlockOf(kPawnCacheBlock).Length == 0) [[unlikely]]
-    AllocateBlock(kPawnCacheBlock, kPawnCacheSlots * sizeof(PawnStructure));
-  auto &slot = RecordAt<PawnStructure>(kPawnCacheBlock, PawnCacheSlot(whitePawns, blackPawns) * sizeof(PawnStructure));
-  if (slot.Pawns[kWhite] != whitePawns || slot.Pawns[kBlack] != blackPawns || !slot.Valid)
+  PawnStructure &slot = SlotFor(whitePawns, blackPawns);
+  if ((slot.Pawns[kWhite] ^ whitePawns) | (slot.Pawns[kBlack] ^ blackPawns))
     WorkOut(slot, whitePawns, blackPawns);
   return slot;
 }
 
-int PawnScore(const PawnStructure &structure, const Phase &phase) {
-  return structure.Score + structure.CentralPawns * phase.CentralPawnBonus + PassedScore(structure, phase, kWhite) -
+int PawnPhaseScore(const PawnStructure &structure, const Phase &phase) {
+  return structure.CentralPawns * phase.CentralPawnBonus + PassedScore(structure, phase, kWhite) -
          PassedScore(structure, phase, kBlack);
 }
 

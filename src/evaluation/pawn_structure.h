@@ -8,15 +8,17 @@
 
 namespace zorvane {
 
-// What one placement of pawns is worth before phase and kings come in. A slot of the PawnCache is one of these.
+// What one placement of pawns is worth before phase and kings come in. A slot of the PawnCache is one of these; all
+// zero, as it is at first, it is right for a board without pawns.
 struct alignas(64) PawnStructure {
   std::array<Bitboard, 2> Pawns; // by side; the placement that the other fields are about
   std::array<Bitboard, 2> Passed;
   std::array<Bitboard, 2> Files; // all squares of the files that hold pawns of the side
   std::int32_t Score;            // centipawns beyond the squares' own, White's minus Black's
   std::int16_t CentralPawns;     // pawns that earn CentralPawnBonus, White's minus Black's
-  bool IsFractional;             // five or seven pawns on a file: doubled terms that are no whole numbers
-  bool Valid;
+  std::int16_t LowestPhaseTerms; // what phase and kings may add to Score, at the least and at the most
+  std::int16_t HighestPhaseTerms;
+  bool IsFractional; // five or seven pawns on a file: doubled terms that are no whole numbers
 };
 
 // Request flag 2. With it off nothing is cached, and every value stays the same.
@@ -26,9 +28,8 @@ extern bool PawnCacheEnabled;
 // on first use.
 const PawnStructure &CurrentPawnStructure();
 
-// The terms of all pawns beyond their squares' own, centipawns, White's minus Black's. Not for a structure that is
-// fractional.
-int PawnScore(const PawnStructure &structure, const Phase &phase);
+// The terms of all pawns that depend on phase and kings, centipawns, White's minus Black's.
+int PawnPhaseScore(const PawnStructure &structure, const Phase &phase);
 
 // The term of the one pawn on square, unsigned for colour, with its fraction.
 double PawnTerm(const PawnStructure &structure, const Phase &phase, int square);

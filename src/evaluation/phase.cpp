@@ -4,11 +4,8 @@ namespace zorvane {
 
 namespace {
 
-constexpr int kCentralPawn = 18;
 constexpr int kQueenSortie = 15;
-constexpr int kPassedPerSquaredRank = 3;
 constexpr int kRaceFactor = 4;
-constexpr int kRaceLimit = 24;
 
 constexpr Phase MakePhase(int gamePhase) {
   const int endgameWeight = kFullPhase - gamePhase;
@@ -20,7 +17,7 @@ constexpr Phase MakePhase(int gamePhase) {
   phase.QueenSortiePenalty = static_cast<std::int8_t>(kQueenSortie * gamePhase / kFullPhase);
   for (int rank = 0; rank < 8; ++rank)
     phase.PassedEndgameTerm[static_cast<unsigned>(rank)] =
-        static_cast<std::int16_t>(kPassedPerSquaredRank * rank * rank * endgameWeight / kFullPhase);
+        static_cast<std::int16_t>(PassedEndgameLimit(rank) * endgameWeight / kFullPhase);
   for (int lead = -kFarthestApart; lead <= kFarthestApart; ++lead)
     phase.RaceTerms[static_cast<unsigned>(lead + kFarthestApart)] =
         static_cast<std::int8_t>(std::clamp(kRaceFactor * lead * endgameWeight / kFullPhase, -kRaceLimit, kRaceLimit));

@@ -16,6 +16,11 @@ constexpr int kPhaseUnit = 10;
 constexpr int kPhases = kFullPhase / kPhaseUnit + 1;
 
 constexpr int kHighestRawPenalty = 260;
+constexpr int kCentralPawn = 18;
+constexpr int kRaceLimit = 24;
+
+// What a passed pawn earns with all pieces gone.
+constexpr int PassedEndgameLimit(int relativeRank) { return 3 * relativeRank * relativeRank; }
 
 struct alignas(64) Phase {
   std::int16_t GamePhase;            // kFullPhase while all pieces are on, or more

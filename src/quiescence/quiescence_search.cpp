@@ -62,15 +62,9 @@ struct Node {
   int QueenTarget; // what they aim at, kNoSquare for none
 };
 
-// The to-squares that a pass wants: Always for any move, IfChecking for one that gives check.
-struct Wanted {
-  Bitboard Always;
-  Bitboard IfChecking;
-};
-
-PieceSquares WantedSquares(const Wanted &wanted, const CheckTargets &checks) {
-  const auto squares = [&](PieceType type) { return wanted.Always | (wanted.IfChecking & checks.From[type]); };
-  return {squares(kRook), squares(kKnight), squares(kBishop), squares(kQueen)};
+// The squares of a set from which each kind of piece gives check.
+PieceSquares CheckingSquares(Bitboard set, const CheckTargets &checks) {
+  return {set & checks.From[kRook], set & checks.From[kKnight], set & checks.From[kBishop], set & checks.From[kQueen]};
 }
 
 // What discoverers add to the moves of their type: wanted moves that leave the line; pawns have a wish of their own.
@@ -150,18 +144,29 @@ template <Side Us> void SetCaptureZoneMoves(MoveSets &moves, const Node &node, c
     AddBishopMoves<Us>(moves, node, danger);
 }
 
+// Leaves of the captures only those on the squares given and those of others that give check.
+inline void KeepRecapturesAndChecks(MoveSets &moves, Bitboard retaken, const CheckTargets &checks) {
+  for (Bitboard froms = moves.Froms; froms != 0;) {
+    const int from = PopSquare(froms);
+    Bitboard &targets = moves.Targets[static_cast<unsigned>(from)];
+    targets &= retaken | CheckingTargets(checks, from, TypeOf(PieceOn(from)));
+    moves.Froms ^= static_cast<Bitboard>(targets == 0) << from;
+  }
+}
+
 // The first pass of a node that is not forced, in the recapture zone: recaptures on the square of the enemy's last
 // capture, and other captures that give check.
 template <Side Us> void SetRecaptures(MoveSets &moves, const Node &node, const KingDanger &danger) {
   const Bitboard victims = Position.BySide[Opposite(Us)] & ~Pieces(kKing);
   const Bitboard retaken = victims & UndoStack[static_cast<unsigned>(node.Ply - 1)].BySide[Us];
-  const Bitboard others = node.Ply < kCheckLimit ? victims & ~retaken : 0;
-  const CheckTargets checks = FindCheckTargets<Us>();
-  SetPieceMoves<Us>(moves, WantedSquares({retaken, others}, checks));
-  SetPawnMoves<Us>(moves, retaken | (others & checks.From[kPawn]), 0);
+  const Bitboard wanted = node.Ply < kCheckLimit ? victims : retaken;
+  SetPieceMoves<Us>(moves, {wanted, wanted, wanted, wanted});
+  SetPawnMoves<Us>(moves, wanted, 0);
   HoldPinned<Us>(moves, danger);
-  SetMoves(moves, danger.King, KingSteps<Us>(danger.King, retaken));
-  AddDiscoveries<Us>(moves, others, others, checks, danger);
+  SetMoves(moves, danger.King, KingSteps<Us>(danger.King, wanted));
+  // Mostly nothing can be taken at all, and the checks need not be known.
+  if (wanted != retaken && moves.Froms != 0)
+    KeepRecapturesAndChecks(moves, retaken, FindCheckTargets<Us>());
 }
 
 // The second pass: quiet moves that give check. Promotions and en passant have had their turn in the capture zone.
@@ -169,7 +174,7 @@ template <Side Us> void SetQuietChecks(MoveSets &moves, const Node &node, const 
   const bool captureZone = node.Depth > 0;
   const Bitboard empty = ~Occupied();
   const CheckTargets checks = FindCheckTargets<Us>();
-  SetPieceMoves<Us>(moves, WantedSquares({0, empty}, checks));
+  SetPieceMoves<Us>(moves, CheckingSquares(empty, checks));
   SetPawnMoves<Us>(moves, 0, checks.From[kPawn]);
   HoldPinned<Us>(moves, danger);
   AddDiscoveries<Us>(moves, empty, empty & ~EnPassantSet() & ~(captureZone ? kLastRows : 0), checks, danger);
@@ -182,9 +187,12 @@ bool MayPlayQuietCheck(const Node &node) { return QuietLineNodes < kQuietCheckNo
 
 enum MoveKind { kOrdinaryMove, kQuietCheck, kForkPush, kBishopMove };
 
-// What a move of the first pass is tried as; the second pass holds quiet checks alone.
-MoveKind FirstPassKind(const Node &node, bool forced, int from, int to) {
-  if (forced || PieceOn(to) != kNoPiece)
+// What the moves of a pass are tried as.
+enum class Pass { kOrdinary, kCaptureZone, kQuietChecks };
+
+// The kind of a move of the capture zone.
+MoveKind CaptureZoneKind(const Node &node, int from, int to) {
+  if (PieceOn(to) != kNoPiece)
     return kOrdinaryMove;
   const PieceType type = TypeOf(PieceOn(from));
   if (type == kBishop && node.QueenTarget != kNoSquare)
@@ -248,7 +256,7 @@ template <Side Us> bool Improve(Node &node, int score) {
 }
 
 // Tries the moves of a pass in scan order; true when the node is cut or the search stopped.
-template <Side Us> bool TryMoves(Node &node, const MoveSets &moves, bool quietChecks, bool forced) {
+template <Side Us, Pass Tried> bool TryMoves(Node &node, const MoveSets &moves) {
   if (moves.Froms == 0)
     return false;
   SaveState(node.Ply);
@@ -256,7 +264,9 @@ template <Side Us> bool TryMoves(Node &node, const MoveSets &moves, bool quietCh
     const int from = PopSquare(froms);
     for (Bitboard targets = moves.Targets[static_cast<unsigned>(from)]; targets != 0;) {
       const int to = PopSquare(targets);
-      const MoveKind kind = quietChecks ? kQuietCheck : FirstPassKind(node, forced, from, to);
+      const MoveKind kind = Tried == Pass::kOrdinary      ? kOrdinaryMove
+                            : Tried == Pass::kQuietChecks ? kQuietCheck
+                                                          : CaptureZoneKind(node, from, to);
       if (kind == kQuietCheck && !MayPlayQuietCheck(node))
         return false;
       if (kind == kBishopMove && node.BishopMoves++ >= kBishopMovesPerNode)
@@ -272,7 +282,8 @@ template <Side Us> bool TryMoves(Node &node, const MoveSets &moves, bool quietCh
 // Threats from the side that has just moved: with one, the node must answer and has no stand-pat.
 template <Side Us> int ForcedReplyOf(const Node &node, int remaining) {
   constexpr Side them = Opposite(Us);
-  if (node.Forced != kNotForced || node.Ply >= kThreatLimit || remaining < 2)
+  // One branch for all three, as none of them is foreseeable.
+  if ((node.Forced != kNotForced) | (node.Ply >= kThreatLimit) | (remaining < 2))
     return node.Forced;
   if (node.QuietCredit >= 2 && QuietLineNodes < kQuietCheckNodeBudget && HasPawnForkPush<them>())
     return kPawnForkThreat;
@@ -310,17 +321,21 @@ int CountNode(int remaining) {
 // The two passes of a node that need not answer anything.
 template <Side Us> int TryPasses(Node &node, MoveSets &moves, const KingDanger &danger) {
   moves.Froms = 0;
-  if (node.Depth > 0)
+  bool finished = false;
+  if (node.Depth > 0) {
     SetCaptureZoneMoves<Us>(moves, node, danger);
-  else
+    finished = TryMoves<Us, Pass::kCaptureZone>(node, moves);
+  } else {
     SetRecaptures<Us>(moves, node, danger);
-  if (TryMoves<Us>(node, moves, false, false))
+    finished = TryMoves<Us, Pass::kOrdinary>(node, moves);
+  }
+  if (finished)
     return node.Best;
   if (node.QuietCredit <= 0 || node.Ply >= kCheckLimit || !MayPlayQuietCheck(node))
     return node.Best;
   moves.Froms = 0;
   SetQuietChecks<Us>(moves, node, danger);
-  TryMoves<Us>(node, moves, true, false);
+  TryMoves<Us, Pass::kQuietChecks>(node, moves);
   return node.Best;
 }
 
@@ -354,14 +369,13 @@ template <Side Us> int Search(Node &node) {
 
   if (node.Ply >= kLastPly)
     return EvaluateWithin(node.Range);
-  if (node.Depth <= 0 && (node.FloorPlies > 0 || inCheck))
-    node.Depth = 1;
+  node.Depth = std::max(node.Depth, node.FloorPlies > 0 || inCheck ? 1 : node.Depth);
   node.Best = Us == kWhite ? -kInfinity : kInfinity;
   if (!inCheck && node.Forced == kNotForced)
     return Improve<Us>(node, EvaluateWithin(node.Range)) ? node.Best : TryPasses<Us>(node, moves, danger);
   if (!inCheck)
     SetLegalMoves<Us>(moves, danger);
-  TryMoves<Us>(node, moves, false, true);
+  TryMoves<Us, Pass::kOrdinary>(node, moves);
   return node.Best;
 }
 
