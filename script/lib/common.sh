@@ -38,7 +38,7 @@ install_missing() {
 
 # What building needs.
 install_build_tools() {
-  install_missing cmake=cmake ninja=ninja-build g++=g++
+  install_missing cmake=cmake ninja=ninja-build clang++=clang ld.lld=lld
 }
 
 # What running the tests needs, beside the build tools.
