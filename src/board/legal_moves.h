@@ -61,26 +61,26 @@ inline Bitboard PinLine(int king, Bitboard pinned, int from) {
   return Contains(pinned, from) ? Line[static_cast<unsigned>(king)][static_cast<unsigned>(from)] : kAllSquares;
 }
 
-// True when the king of Us would be attacked on the square, itself taken off the board.
-template <Side Us> inline bool IsDeadlyForKing(int square, Bitboard occupiedWithoutKing) {
-  constexpr Side them = Opposite(Us);
-  const auto place = static_cast<unsigned>(square);
-  return (((PawnAttacks[Us][place] & Pieces(kPawn)) | (KnightAttacks[place] & Pieces(kKnight)) |
-           (KingAttacks[place] & Pieces(kKing))) &
-          Position.BySide[them]) != 0 ||
-         (RookAttacks(square, occupiedWithoutKing) & Pieces(them, kRook, kQueen)) != 0 ||
-         (BishopAttacks(square, occupiedWithoutKing) & Pieces(them, kBishop, kQueen)) != 0;
-}
-
 // The king's legal steps among the squares wanted; castling apart.
 template <Side Us> inline Bitboard KingSteps(int king, Bitboard wanted) {
-  Bitboard candidates = KingAttacks[static_cast<unsigned>(king)] & wanted & ~Position.BySide[Us] & ~Pieces(kKing);
-  const Bitboard occupied = Occupied() & ~Bit(king);
+  constexpr Side them = Opposite(Us);
+  wanted &= KingAttacks[static_cast<unsigned>(king)];
+  if (wanted == 0)
+    return 0;
+  const Bitboard guarded = PawnCaptures<them>(Pieces(them, kPawn)) |
+                           KingAttacks[static_cast<unsigned>(FindKingSquare(them))] | Position.BySide[Us] |
+                           Pieces(kKing);
+  const Bitboard occupied = Occupied() & ~Bit(king); // the king does not hide behind itself
+  const Bitboard knights = Pieces(them, kKnight);
+  const Bitboard straight = Pieces(them, kRook, kQueen);
+  const Bitboard diagonal = Pieces(them, kBishop, kQueen);
   Bitboard steps = 0;
-  while (candidates != 0) {
+  for (Bitboard candidates = wanted & ~guarded; candidates != 0;) {
     const int square = PopSquare(candidates);
-    if (!IsDeadlyForKing<Us>(square, occupied))
-      steps |= Bit(square);
+    const Bitboard attackers = (KnightAttacks[static_cast<unsigned>(square)] & knights) |
+                               (RookAttacks(square, occupied) & straight) |
+                               (BishopAttacks(square, occupied) & diagonal);
+    steps |= static_cast<Bitboard>(attackers == 0) << square;
   }
   return steps;
 }
