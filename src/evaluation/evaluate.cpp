@@ -92,36 +92,13 @@ int WorkOutWithin(ScoreRange range) {
   return lowered >= range.Ceiling ? lowered : lowered + KingAttackPenalty<kBlack>(phase);
 }
 
-// True when the slot of the right key answers a caller with that range.
-bool HoldsEvaluation(const TranspositionSlot &slot, ScoreRange range) {
-  return slot.State == kSlotEvaluated || (slot.State == kSlotAtMost && slot.Evaluation <= range.Floor) ||
-         (slot.State == kSlotAtLeast && slot.Evaluation >= range.Ceiling);
-}
-
-SlotState StateOfScore(int score, ScoreRange range) {
-  return score <= range.Floor ? kSlotAtMost : score >= range.Ceiling ? kSlotAtLeast : kSlotEvaluated;
-}
-
 } // namespace
 
 int ComputeEvaluation() { return WorkOutWithin(kAllScores); }
 
 int EvaluateWithin(ScoreRange range) {
-  if (TranspositionSlots == 0)
-    return WorkOutWithin(range);
-  TranspositionSlot &slot = SlotAt(SlotOffset());
-  const PositionKey key = TranspositionKey(SideToMove);
-  const bool sameKey = slot.State != kSlotEmpty && slot.Key == key;
-  if (sameKey && HoldsEvaluation(slot, range))
-    return slot.Evaluation;
-  const int value = WorkOutWithin(range);
-  if (!sameKey) {
-    slot.Key = key;
-    slot.Move = kNoMove;
-  }
-  slot.Evaluation = value;
-  slot.State = StateOfScore(value, range);
-  return value;
+  DisplaceOtherPosition(SideToMove);
+  return WorkOutWithin(range);
 }
 
 int Evaluate() { return EvaluateWithin(kAllScores); }

@@ -5,8 +5,7 @@
 
 namespace zorvane {
 
-// The evaluation of the position, remembered in the transposition table under SideToMove: a position found there is
-// answered from its slot, any other takes the slot over.
+// The evaluation of the position. The position, with SideToMove, takes its slot of the transposition table over.
 int Evaluate();
 
 // The scores that a caller can tell apart: all up to Floor are one to it, and all from Ceiling on. Floor is the

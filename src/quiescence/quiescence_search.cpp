@@ -235,7 +235,6 @@ template <Side Us> int SearchMove(Node &node, MoveKind kind, int from, int to) {
     ++QuietLineDepth;
   }
   MakeMoveOf<Us>(from, to);
-  PrefetchSlot();
   const int score = Search<Opposite(Us)>(child);
   if (kind != kOrdinaryMove)
     --QuietLineDepth;

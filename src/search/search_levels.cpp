@@ -64,7 +64,6 @@ template <Side Us, TableUse Table> Outcome SearchMove(Node &node, PackedMove mov
   const int to = ToOf(move);
   ++Nodes;
   MakeMoveOf<Us>(from, to);
-  PrefetchSlot();
   const int score = SearchLevel<Opposite(Us), Table>(node.Ply + 1, node.Alpha, node.Beta, ChildRange<Us>(node));
   RestoreState(node.Ply);
   if (SearchAborted)

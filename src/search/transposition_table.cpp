@@ -18,7 +18,7 @@ constexpr std::size_t kNoSlot = static_cast<std::size_t>(-1);
 // What a node's probe leaves for its store.
 struct PreparedStore {
   PositionKey Key;
-  std::size_t Offset;
+  std::size_t Slot;
   int Generation;
 };
 
@@ -35,20 +35,23 @@ void ResizeTransposition(int sizeKb) {
   ++TranspositionGeneration;
   TranspositionSizeKb = sizeKb;
   TranspositionSlots = sizeKb * kSlotsPerKb;
-  AllocateBlock(kTranspositionBlock, static_cast<std::size_t>(TranspositionSlots) * sizeof(TranspositionSlot));
+  AllocateBlock(kTranspositionBlock,
+                static_cast<std::size_t>(TranspositionSlots) * (sizeof(std::uint16_t) + sizeof(PositionKey)));
 }
 
 PackedMove ProbeTransposition(int ply, Side side) {
   PreparedStore &prepared = Prepared[static_cast<unsigned>(ply)];
-  prepared.Offset = kNoSlot;
+  prepared.Slot = kNoSlot;
   prepared.Generation = TranspositionGeneration;
   if (!UseTranspositionMoves || TranspositionSlots == 0)
     return kNoMove;
   prepared.Key = TranspositionKey(side);
-  prepared.Offset = SlotOffset();
-  const TranspositionSlot &slot = SlotAt(prepared.Offset);
-  const bool hasMove = slot.State != kSlotEmpty && slot.Key == prepared.Key && slot.Move != kNoMove;
-  return hasMove && IsLegalMoveOf(side, slot.Move) ? slot.Move : kNoMove;
+  prepared.Slot = SlotIndex();
+  const std::uint16_t stored = StoredMove(prepared.Slot);
+  if (stored == 0 || !(StoredKey(prepared.Slot) == prepared.Key))
+    return kNoMove;
+  const auto move = static_cast<PackedMove>(stored - 1);
+  return IsLegalMoveOf(side, move) ? move : kNoMove;
 }
 
 PackedMove ProbeHashMove(int ply, Side side) {
@@ -61,14 +64,10 @@ void StoreTransposition(int ply) {
     return;
   const PreparedStore &prepared = Prepared[static_cast<unsigned>(ply)];
   const PackedMove best = PvBestMove(ply);
-  if (prepared.Generation != TranspositionGeneration || prepared.Offset == kNoSlot || best == kNoMove)
+  if (prepared.Generation != TranspositionGeneration || prepared.Slot == kNoSlot || best == kNoMove)
     return;
-  TranspositionSlot &slot = SlotAt(prepared.Offset);
-  if (slot.State == kSlotEmpty || !(slot.Key == prepared.Key)) {
-    slot.Key = prepared.Key;
-    slot.State = kSlotKeyOnly;
-  }
-  slot.Move = best;
+  StoredKey(prepared.Slot) = prepared.Key;
+  StoredMove(prepared.Slot) = static_cast<std::uint16_t>(best + 1);
 }
 
 } // namespace zorvane

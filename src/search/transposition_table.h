@@ -1,8 +1,9 @@
-// The memory of positions: per position its best move and its static evaluation, and nothing else.
+// The memory of positions: the best move found in each.
 //
-// One position per slot, chosen by the board alone; another position on the same slot simply takes it over. The
-// table never ends a search: it names the move to try first and saves repeated evaluations. What stands in a slot
-// steers the move order, so every displacement is part of the engine's behaviour.
+// One position per slot, chosen by the board alone; another position on the same slot simply takes it over, by its own
+// move or by being evaluated. The table never ends a search: it names the move to try first. What stands in a slot
+// steers the move order, so every displacement is part of the engine's behaviour. Scores are not kept: working one out
+// is quicker than looking for it.
 #pragma once
 
 #include "board/memory_block.h"
@@ -10,51 +11,46 @@
 
 namespace zorvane {
 
-enum SlotState : std::uint8_t {
-  kSlotEmpty = 0,
-  kSlotEvaluated = 1, // key and evaluation hold
-  kSlotKeyOnly = 2,   // the key holds, there is no evaluation
-  kSlotAtMost = 3,    // the key holds, and the evaluation is the number there or less,
-  kSlotAtLeast = 4    // or that or more
-};
-
-struct alignas(64) TranspositionSlot {
-  PositionKey Key;
-  std::int32_t Evaluation;
-  PackedMove Move; // kNoMove for none
-  SlotState State;
-};
-
-constexpr int kDefaultTableKb = 1024;
+constexpr int kDefaultTableKb = 1024; // what the user is told; the slots themselves are smaller
 constexpr int kSlotsPerKb = 8;
 
 extern int TranspositionSizeKb; // 0, 512 or 1024; 0 means no table
 extern int TranspositionSlots;  // 8 for each KiB
 
-// Request flag 1. With it off no move is read or stored, while evaluations are still remembered.
+// Request flag 1. With it off no move is read or stored.
 extern bool UseTranspositionMoves;
-
-// The key of the position in the table: unlike a PositionKey it takes the en-passant square as it stands.
-inline PositionKey TranspositionKey(Side side) { return MakePositionKey(Position, side, Position.EnPassantSquare); }
-
-// The place of the board's slot in the table, in bytes. There must be a table.
-inline std::size_t SlotOffset() {
-  return (BoardHash() & static_cast<std::uint32_t>(TranspositionSlots - 1)) * sizeof(TranspositionSlot);
-}
-
-inline TranspositionSlot &SlotAt(std::size_t offset) {
-  return RecordAt<TranspositionSlot>(kTranspositionBlock, offset);
-}
-
-// Fetches the slot of the board ahead of its use.
-inline void PrefetchSlot() {
-  if (TranspositionSlots != 0)
-    __builtin_prefetch(BlockOf(kTranspositionBlock).Data + SlotOffset());
-}
 
 // Makes an empty table of that size, 0, 512 or 1024 KiB; any other size is ignored. Ends the process with exit code 2
 // when there is no memory.
 void ResizeTransposition(int sizeKb);
+
+// The key of the position in the table: unlike a PositionKey it takes the en-passant square as it stands.
+inline PositionKey TranspositionKey(Side side) { return MakePositionKey(Position, side, Position.EnPassantSquare); }
+
+// The slot of the board. There must be a table, for this and for what follows.
+inline std::size_t SlotIndex() { return BoardHash() & static_cast<std::uint32_t>(TranspositionSlots - 1); }
+
+// The move of a slot, plus 1; 0 in an empty slot. The moves of all slots stand together before the keys: most slots are
+// empty, and then one look at a small part of memory tells.
+inline std::uint16_t &StoredMove(std::size_t slot) {
+  return RecordAt<std::uint16_t>(kTranspositionBlock, slot * sizeof(std::uint16_t));
+}
+
+// Whose move it is; without meaning in an empty slot.
+inline PositionKey &StoredKey(std::size_t slot) {
+  const std::size_t moves = static_cast<std::size_t>(TranspositionSlots) * sizeof(std::uint16_t);
+  return RecordAt<PositionKey>(kTranspositionBlock, moves + slot * sizeof(PositionKey));
+}
+
+// What evaluating the position, with side to move, does to the table: its slot loses the move of any other position.
+inline void DisplaceOtherPosition(Side side) {
+  if (TranspositionSlots == 0)
+    return;
+  const std::size_t slot = SlotIndex();
+  std::uint16_t &move = StoredMove(slot);
+  if (move != 0 && !(StoredKey(slot) == TranspositionKey(side))) [[unlikely]]
+    move = 0;
+}
 
 // The move stored for the position with side to move, when it is legal, else kNoMove. Prepares the store of the same
 // ply, 0 to 7.
