@@ -51,7 +51,6 @@ void BeginSearch() {
   DeadlineArmed = SearchAborted = false;
   CompletedDepth = 0;
   ElapsedMs = 0;
-  NodesToStopTest = 0;
   FinalPvClear();
   ClearKillers();
   ClearHistory();

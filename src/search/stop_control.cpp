@@ -9,7 +9,6 @@ bool SearchAborted;
 bool DeadlineArmed;
 double Deadline;
 std::array<char, kPathBufferSize> CancelPath;
-int NodesToStopTest;
 
 namespace {
 
@@ -45,11 +44,6 @@ bool ShouldStop() {
   if (!SearchAborted && ProgramClock() >= Deadline)
     SearchAborted = true;
   return SearchAborted;
-}
-
-bool AskShouldStop() {
-  NodesToStopTest = kNodesPerStopTest;
-  return ShouldStop();
 }
 
 } // namespace zorvane
