@@ -51,6 +51,7 @@ void BeginSearch() {
   DeadlineArmed = SearchAborted = false;
   CompletedDepth = 0;
   ElapsedMs = 0;
+  NodesToStopTest = 0;
   FinalPvClear();
   ClearKillers();
   ClearHistory();

@@ -9,6 +9,7 @@ bool SearchAborted;
 bool DeadlineArmed;
 double Deadline;
 std::array<char, kPathBufferSize> CancelPath;
+int NodesToStopTest;
 
 namespace {
 
@@ -44,6 +45,11 @@ bool ShouldStop() {
   if (!SearchAborted && ProgramClock() >= Deadline)
     SearchAborted = true;
   return SearchAborted;
+}
+
+bool AskShouldStop() {
+  NodesToStopTest = kNodesPerStopTest;
+  return ShouldStop();
 }
 
 } // namespace zorvane

@@ -6,8 +6,6 @@
 #include <atomic>
 #include <cstdint>
 
-#include "search/search_driver.h"
-
 namespace zorvane {
 
 constexpr unsigned kPathBufferSize = 4096;
@@ -31,10 +29,14 @@ double ProgramClock();
 // True when the search must end. Reads the clock; looks for the cancel file at most once in ten milliseconds.
 bool ShouldStop();
 
-// The nodes from one clock reading to the next, a small part of a millisecond.
+// The nodes that may still pass before ShouldStop is asked again.
+extern int NodesToStopTest;
 constexpr int kNodesPerStopTest = 64;
 
-// ShouldStop for the heads of nodes. Each is asked between two that are counted, so no multiple is passed by.
-inline bool PollStop() { return Nodes % kNodesPerStopTest == 0 && ShouldStop(); }
+// PollStop's slow half: restarts the count and asks ShouldStop.
+bool AskShouldStop();
+
+// ShouldStop for the heads of nodes: asks every kNodesPerStopTest nodes, which take a small part of a millisecond.
+inline bool PollStop() { return --NodesToStopTest <= 0 && AskShouldStop(); }
 
 } // namespace zorvane
