@@ -1,4 +1,4 @@
-// The legal moves of a side as sets of to-squares, from one look at the checks and pins on its king.
+// The legal moves of a side as sets of to-squares, from one look at what bears on its king.
 //
 // Good for every position that LoadFen accepts. Walking the from-squares upwards and each set of to-squares
 // upwards gives the order in which the engine tries moves.
@@ -57,8 +57,8 @@ template <Side Us> inline Bitboard PinnedMen(const KingDanger &danger) {
 }
 
 // The line that a man is held to when it is among those pinned, all squares for any other.
-inline Bitboard PinLine(int king, Bitboard pinned, int from) {
-  return Contains(pinned, from) ? Line[static_cast<unsigned>(king)][static_cast<unsigned>(from)] : kAllSquares;
+inline Bitboard PinLine(const KingDanger &danger, Bitboard pinned, int from) {
+  return Contains(pinned, from) ? Line[static_cast<unsigned>(danger.King)][static_cast<unsigned>(from)] : kAllSquares;
 }
 
 // The king's legal steps among the squares wanted; castling apart.
@@ -67,6 +67,8 @@ template <Side Us> inline Bitboard KingSteps(int king, Bitboard wanted) {
   wanted &= KingAttacks[static_cast<unsigned>(king)];
   if (wanted == 0)
     return 0;
+  // Whatever is seen for all squares at once saves tests of single ones; those have no branch that could be guessed
+  // wrong.
   const Bitboard guarded = PawnCaptures<them>(Pieces(them, kPawn)) |
                            KingAttacks[static_cast<unsigned>(FindKingSquare(them))] | Position.BySide[Us] |
                            Pieces(kKing);
@@ -160,6 +162,9 @@ template <Side Us> inline void HoldPinned(MoveSets &moves, const KingDanger &dan
   }
 }
 
+// The same squares for each of them.
+inline PieceSquares SameForAll(Bitboard squares) { return {squares, squares, squares, squares}; }
+
 // Moves of rooks, knights, bishops and queens to the squares given; checks and pins apart.
 template <Side Us> inline void SetPieceMoves(MoveSets &moves, const PieceSquares &squares) {
   const Bitboard occupied = Occupied();
@@ -205,7 +210,7 @@ template <Side Us> inline void SetLegalMoves(MoveSets &moves, const KingDanger &
   if (danger.Resolving == 0)
     return;
   const Bitboard allowed = danger.Resolving & ~Position.BySide[Us] & ~Pieces(kKing);
-  SetPieceMoves<Us>(moves, {allowed, allowed, allowed, allowed});
+  SetPieceMoves<Us>(moves, SameForAll(allowed));
   SetPawnMoves<Us>(moves, allowed & Position.BySide[Opposite(Us)], allowed);
   HoldPinned<Us>(moves, danger);
   for (Bitboard pawns = EnPassantCapturers<Us>(); pawns != 0;)

@@ -38,12 +38,12 @@ template <Side Us> int CountLeaves() {
   Bitboard diagonal = Pieces(Us, kBishop, kQueen);
   while (diagonal != 0) {
     const int from = PopSquare(diagonal);
-    count += CountSquares(BishopAttacks(from, occupied) & allowed & PinLine(danger.King, held, from));
+    count += CountSquares(BishopAttacks(from, occupied) & allowed & PinLine(danger, held, from));
   }
   Bitboard straight = Pieces(Us, kRook, kQueen);
   while (straight != 0) {
     const int from = PopSquare(straight);
-    count += CountSquares(RookAttacks(from, occupied) & allowed & PinLine(danger.King, held, from));
+    count += CountSquares(RookAttacks(from, occupied) & allowed & PinLine(danger, held, from));
   }
 
   const Bitboard pawns = Pieces(Us, kPawn);
@@ -51,7 +51,7 @@ template <Side Us> int CountLeaves() {
   Bitboard pinned = pawns & held;
   while (pinned != 0) {
     const int from = PopSquare(pinned);
-    count += CountPawnMoves<Us>(Bit(from), allowed & PinLine(danger.King, held, from));
+    count += CountPawnMoves<Us>(Bit(from), allowed & PinLine(danger, held, from));
   }
   return count;
 }

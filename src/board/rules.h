@@ -12,6 +12,9 @@ namespace zorvane {
 // two capture squares alone.
 Bitboard PieceAttacks(int from);
 
+// True when the piece on from bears on the square to.
+inline bool PieceAttacksSquare(int from, int to) { return Contains(PieceAttacks(from), to); }
+
 // All pieces of either side that bear on square when the occupied squares are those given.
 Bitboard AttackersTo(int square, Bitboard occupied);
 

@@ -12,8 +12,8 @@ namespace {
 
 constexpr int kBishopPair = 30;
 constexpr int kHalfOpenFile = 12;
-constexpr int kOpenFile = 10; // on top of the half-open file
-constexpr double kKingConstant = 20000;
+constexpr int kOpenFile = 10;           // on top of the half-open file
+constexpr double kKingConstant = 20000; // cancels, but rounds sums with fractions on the way
 
 // Where a queen pays for having come out: all but its own first two ranks.
 constexpr Bitboard kSortieSquares[2] = {~(RowMask(7) | RowMask(6)), ~(RowMask(0) | RowMask(1))};
@@ -59,7 +59,7 @@ int SumInScanOrder(const PawnStructure &pawns, const Phase &phase) {
   return static_cast<int>(score + MatingDrive());
 }
 
-// From cheap terms to dear ones, for as long as those left over could lift the score out of its end of the range.
+// From cheap terms to costly ones, for as long as those left over could lift the score out of its end of the range.
 int WorkOutWithin(ScoreRange range) {
   const Phase &phase = CurrentPhase();
   const PawnStructure &pawns = CurrentPawnStructure();

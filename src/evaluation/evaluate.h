@@ -8,8 +8,12 @@ namespace zorvane {
 // The evaluation of the position. The position, with SideToMove, takes its slot of the transposition table over.
 int Evaluate();
 
-// The scores that a caller can tell apart: all up to Floor are one to it, and all from Ceiling on. Floor is the
-// smaller.
+// The evaluation alone, without the effect on the table.
+int ComputeEvaluation();
+
+// The scores that a caller can tell apart: all up to Floor are one to it, and all from Ceiling on. In a search the
+// range holds the whole window of the node, and more: scores outside the window still reach callers, order the next
+// iteration's root moves and choose best lines.
 struct ScoreRange {
   int Floor;
   int Ceiling;
@@ -18,11 +22,8 @@ struct ScoreRange {
 // A caller with this range learns the very number.
 constexpr ScoreRange kAllScores{std::numeric_limits<int>::min(), std::numeric_limits<int>::max()};
 
-// Evaluate for such a caller, which leaves out what cannot lift the score out of its end of the range. The table's slot
-// is taken over all the same.
+// Evaluate for such a caller: the number, or outside the range any score of the same end, for which what cannot lift
+// the score out of that end is left out.
 int EvaluateWithin(ScoreRange range);
-
-// The same number, worked out.
-int ComputeEvaluation();
 
 } // namespace zorvane

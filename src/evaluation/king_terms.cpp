@@ -51,6 +51,19 @@ template <Side Us> constexpr std::array<KingSquare, kSquares> MakeKingSquares() 
 
 template <Side Us> constexpr std::array<KingSquare, kSquares> kKingSquares = MakeKingSquares<Us>();
 
+// The blend lies between the two wishes, so the outermost of all wishes are the outermost terms.
+constexpr int FindKingPlaceSpread() {
+  int lowest = 0;
+  int highest = 0;
+  for (const KingSquare &place : kKingSquares<kWhite>) {
+    lowest = std::min<int>({lowest, place.MiddleGame, place.EndGame});
+    highest = std::max<int>({highest, place.MiddleGame + kShieldPawn * CountSquares(place.Shield), place.EndGame});
+  }
+  return highest - lowest;
+}
+static_assert(FindKingPlaceSpread() == kKingPlaceSpread);
+
+// Attackers and their weighted squares stand in one sum, the attackers in the upper half.
 constexpr int kOneAttacker = 1 << 16;
 constexpr int kLargestZone = 15;
 
@@ -79,19 +92,7 @@ template <Side Attacker> int PawnZoneTerms(Bitboard zone) {
          kAttackWeights[kPawn] * (CountSquares(towardsA) + CountSquares(towardsH));
 }
 
-// The blend lies between the two wishes, so the outermost of all wishes are the outermost terms.
-constexpr int FindKingPlaceSpread() {
-  int lowest = 0;
-  int highest = 0;
-  for (const KingSquare &place : kKingSquares<kWhite>) {
-    lowest = std::min<int>({lowest, place.MiddleGame, place.EndGame});
-    highest = std::max<int>({highest, place.MiddleGame + kShieldPawn * CountSquares(place.Shield), place.EndGame});
-  }
-  return highest - lowest;
-}
-static_assert(FindKingPlaceSpread() == kKingPlaceSpread);
-
-// Attackers of a zone and their weighted squares in one sum, the attackers in the upper half.
+// The attackers of a zone and their weighted squares.
 template <Side Attacker> int ZoneSum(Bitboard zone) {
   const Bitboard occupied = Occupied();
   int sum = PawnZoneTerms<Attacker>(zone) +
@@ -130,7 +131,7 @@ template <Side Us> int KingAttackPenalty(const Phase &phase) {
   const int weighted = sum % kOneAttacker;
   const int raw = (kFullShield - shield) * weighted + weighted * weighted / 4;
   const int penalty = phase.GamePhase * std::min(raw, kHighestRawPenalty) / kFullPhase;
-  return WithoutQueenLess<Opposite(Us)>(penalty);
+  return ScaleByQueen<Opposite(Us)>(penalty);
 }
 
 template int KingPlaceTerm<kWhite>(const Phase &phase);

@@ -15,7 +15,7 @@ constexpr int kFarthestApart = 14; // steps from one corner to the other, counte
 constexpr int kPhaseUnit = 10;
 constexpr int kPhases = kFullPhase / kPhaseUnit + 1;
 
-constexpr int kHighestRawPenalty = 260;
+constexpr int kHighestRawPenalty = 260; // of an attack on a king, at full phase
 constexpr int kCentralPawn = 18;
 constexpr int kRaceLimit = 24;
 

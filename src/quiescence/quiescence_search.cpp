@@ -2,13 +2,10 @@
 
 #include <algorithm>
 
-#include "evaluation/evaluate.h"
-#include "evaluation/king_terms.h"
-#include "quiescence/check_targets.h"
 #include "quiescence/predicates.h"
+#include "quiescence/tactical_moves.h"
 #include "search/search_driver.h"
 #include "search/stop_control.h"
-#include "search/transposition_table.h"
 
 namespace zorvane {
 
@@ -34,10 +31,10 @@ constexpr int kExtraFloorPlies = 2;
 constexpr int kBishopMovesPerNode = 2;
 
 // Why a node has no stand-pat although it is not in check.
-enum ForcedReply : int {
-  kNotForced = 0,
-  kForkOnBoard = 1,   // the parent's fork or bishop move, or a fresh enemy knight fork
-  kPawnForkThreat = 2 // also costs the children a quiet move
+enum ForcedReply {
+  kNotForced,
+  kForkOnBoard,   // the parent's fork or bishop move, or a fresh enemy knight fork
+  kPawnForkThreat // also costs the children a quiet move
 };
 
 // One set of counters for the tree below one entry.
@@ -51,137 +48,16 @@ struct Node {
   int Ply;
   int Alpha;
   int Beta;
-  int QuietCredit;  // quiet tactical moves that the line may still hold
-  int Forced;       // a ForcedReply
+  int QuietCredit; // quiet tactical moves that the line may still hold
+  ForcedReply Forced;
   ScoreRange Range; // what the callers can tell apart of the node's score
   int FloorPlies;   // plies for which the depth does not fall below 1
 
   int Best;
   int ExtraChecks; // quiet checks allowed beyond the budget
-  int BishopMoves; // bishop manoeuvres played
+  int BishopMoves; // bishop manoeuvres that had their turn
   int QueenTarget; // what they aim at, kNoSquare for none
 };
-
-// The squares of a set from which each kind of piece gives check.
-PieceSquares CheckingSquares(Bitboard set, const CheckTargets &checks) {
-  return {set & checks.From[kRook], set & checks.From[kKnight], set & checks.From[kBishop], set & checks.From[kQueen]};
-}
-
-// What discoverers add to the moves of their type: wanted moves that leave the line; pawns have a wish of their own.
-template <Side Us>
-void AddDiscoveries(MoveSets &moves, Bitboard wanted, Bitboard wantedOfPawns, const CheckTargets &checks,
-                    const KingDanger &danger) {
-  if (checks.Discoverers == 0)
-    return;
-  MoveSets all;
-  SetLegalMoves<Us>(all, danger);
-  for (Bitboard men = checks.Discoverers & all.Froms; men != 0;) {
-    const int from = PopSquare(men);
-    const PieceType type = TypeOf(PieceOn(from));
-    Bitboard targets = all.Targets[static_cast<unsigned>(from)] & (type == kPawn ? wantedOfPawns : wanted);
-    if (type == kKing)
-      targets &= KingAttacks[static_cast<unsigned>(from)];
-    AddMoves(moves, from, targets & ~Line[static_cast<unsigned>(checks.EnemyKing)][static_cast<unsigned>(from)]);
-  }
-}
-
-// En-passant captures that give check, tried when the pawn gives it or uncovers it.
-template <Side Us> void AddEnPassantChecks(MoveSets &moves, int ply, const CheckTargets &checks) {
-  const int to = Position.EnPassantSquare;
-  for (Bitboard pawns = EnPassantCapturers<Us>(); pawns != 0;) {
-    const int from = PopSquare(pawns);
-    const bool mayCheck = Contains(checks.From[kPawn], to) || Contains(checks.Discoverers, from);
-    if (mayCheck && MoveGivesCheck(ply, from, to))
-      AddMoves(moves, from, Bit(to));
-  }
-}
-
-// Castling that gives check, tried when the king uncovers a line; a check by the rook alone is not looked for.
-template <Side Us>
-void AddCastlingChecks(MoveSets &moves, int ply, const CheckTargets &checks, const KingDanger &danger) {
-  if (!Contains(checks.Discoverers, danger.King))
-    return;
-  for (Bitboard targets = CastlingTargets<Us>(danger); targets != 0;) {
-    const int to = PopSquare(targets);
-    if (MoveGivesCheck(ply, danger.King, to))
-      AddMoves(moves, danger.King, Bit(to));
-  }
-}
-
-// Bishop moves to empty squares from which the bishop, and not from where it stands, can take the queen's target.
-template <Side Us> void AddBishopMoves(MoveSets &moves, const Node &node, const KingDanger &danger) {
-  const Bitboard diagonals = BishopAttacks(node.QueenTarget, 0) & ~Occupied();
-  const Bitboard pinned = PinnedMen<Us>(danger);
-  SaveState(node.Ply);
-  for (Bitboard bishops = Pieces(Us, kBishop); bishops != 0;) {
-    const int from = PopSquare(bishops);
-    const Bitboard reach = BishopAttacks(from, Occupied());
-    if (Contains(reach, node.QueenTarget))
-      continue;
-    for (Bitboard targets = reach & diagonals & PinLine(danger.King, pinned, from); targets != 0;) {
-      const int to = PopSquare(targets);
-      MakeMoveOf<Us>(from, to);
-      const bool counts = PieceAttacksSquare(to, node.QueenTarget) && IsLegalMove(to, node.QueenTarget);
-      RestoreState(node.Ply);
-      if (counts)
-        AddMoves(moves, from, Bit(to));
-    }
-  }
-}
-
-// The first pass of a node that is not forced, in the capture zone: captures, en passant, promotions, fork pushes and
-// bishop moves.
-template <Side Us> void SetCaptureZoneMoves(MoveSets &moves, const Node &node, const KingDanger &danger) {
-  const Bitboard victims = Position.BySide[Opposite(Us)] & ~Pieces(kKing);
-  const bool withForks = node.QuietCredit > 0 && node.Ply < kForkPushLimit;
-  SetPieceMoves<Us>(moves, {victims, victims, victims, victims});
-  SetPawnMoves<Us>(moves, victims, kLastRows | (withForks ? PawnForkSquares<Us>() : 0));
-  HoldPinned<Us>(moves, danger);
-  SetMoves(moves, danger.King, KingSteps<Us>(danger.King, victims));
-  for (Bitboard pawns = EnPassantCapturers<Us>(); pawns != 0;)
-    AddMoves(moves, PopSquare(pawns), EnPassantSet());
-  if (node.QueenTarget != kNoSquare)
-    AddBishopMoves<Us>(moves, node, danger);
-}
-
-// Leaves of the captures only those on the squares given and those of others that give check.
-inline void KeepRecapturesAndChecks(MoveSets &moves, Bitboard retaken, const CheckTargets &checks) {
-  for (Bitboard froms = moves.Froms; froms != 0;) {
-    const int from = PopSquare(froms);
-    Bitboard &targets = moves.Targets[static_cast<unsigned>(from)];
-    targets &= retaken | CheckingTargets(checks, from, TypeOf(PieceOn(from)));
-    moves.Froms ^= static_cast<Bitboard>(targets == 0) << from;
-  }
-}
-
-// The first pass of a node that is not forced, in the recapture zone: recaptures on the square of the enemy's last
-// capture, and other captures that give check.
-template <Side Us> void SetRecaptures(MoveSets &moves, const Node &node, const KingDanger &danger) {
-  const Bitboard victims = Position.BySide[Opposite(Us)] & ~Pieces(kKing);
-  const Bitboard retaken = victims & UndoStack[static_cast<unsigned>(node.Ply - 1)].BySide[Us];
-  const Bitboard wanted = node.Ply < kCheckLimit ? victims : retaken;
-  SetPieceMoves<Us>(moves, {wanted, wanted, wanted, wanted});
-  SetPawnMoves<Us>(moves, wanted, 0);
-  HoldPinned<Us>(moves, danger);
-  SetMoves(moves, danger.King, KingSteps<Us>(danger.King, wanted));
-  // Mostly nothing can be taken at all, and the checks need not be known.
-  if (wanted != retaken && moves.Froms != 0)
-    KeepRecapturesAndChecks(moves, retaken, FindCheckTargets<Us>());
-}
-
-// The second pass: quiet moves that give check. Promotions and en passant have had their turn in the capture zone.
-template <Side Us> void SetQuietChecks(MoveSets &moves, const Node &node, const KingDanger &danger) {
-  const bool captureZone = node.Depth > 0;
-  const Bitboard empty = ~Occupied();
-  const CheckTargets checks = FindCheckTargets<Us>();
-  SetPieceMoves<Us>(moves, CheckingSquares(empty, checks));
-  SetPawnMoves<Us>(moves, 0, checks.From[kPawn]);
-  HoldPinned<Us>(moves, danger);
-  AddDiscoveries<Us>(moves, empty, empty & ~EnPassantSet() & ~(captureZone ? kLastRows : 0), checks, danger);
-  AddCastlingChecks<Us>(moves, node.Ply, checks, danger);
-  if (!captureZone)
-    AddEnPassantChecks<Us>(moves, node.Ply, checks);
-}
 
 bool MayPlayQuietCheck(const Node &node) { return QuietLineNodes < kQuietCheckNodeBudget || node.ExtraChecks > 0; }
 
@@ -203,8 +79,8 @@ MoveKind CaptureZoneKind(const Node &node, int from, int to) {
 
 template <Side Us> int Search(Node &node);
 
-// A child's score changes nothing where the best one so far is as good for the mover, nor where the node's own score
-// is no news to its callers.
+// A child's score changes nothing where the best one so far is as good for the mover, nor where the node's own callers
+// cannot tell it from others: there is no best line here that it could change.
 template <Side Us> ScoreRange ChildRange(const Node &node) {
   if constexpr (Us == kWhite)
     return {std::max(node.Range.Floor, node.Best), node.Range.Ceiling};
@@ -242,7 +118,7 @@ template <Side Us> int SearchMove(Node &node, MoveKind kind, int from, int to) {
   return score;
 }
 
-// Takes a child's score in; true when the node is cut.
+// Takes in the score of a child, or of standing pat; true when the node is cut.
 template <Side Us> bool Improve(Node &node, int score) {
   if constexpr (Us == kWhite) {
     node.Best = std::max(node.Best, score);
@@ -279,7 +155,7 @@ template <Side Us, Pass Tried> bool TryMoves(Node &node, const MoveSets &moves) 
 }
 
 // Threats from the side that has just moved: with one, the node must answer and has no stand-pat.
-template <Side Us> int ForcedReplyOf(const Node &node, int remaining) {
+template <Side Us> ForcedReply ForcedReplyOf(const Node &node, int remaining) {
   constexpr Side them = Opposite(Us);
   // One branch for all three, as none of them is foreseeable.
   if ((node.Forced != kNotForced) | (node.Ply >= kThreatLimit) | (remaining < 2))
@@ -307,7 +183,7 @@ template <Side Us> int QueenTargetOf(const Node &node, int remaining) {
   return wanted ? FindQueenTarget<Us>() : kNoSquare;
 }
 
-// Counts the node and returns the depth that its kind of line still allows.
+// Counts the node and returns the depth that the node counts leave to it.
 int CountNode(int remaining) {
   int &counter = QuietLineDepth > 0 ? QuietLineNodes : PlainLineNodes;
   const int cap = QuietLineDepth > 0 ? kQuietLineNodeCap : kPlainLineNodeCap;
@@ -317,25 +193,25 @@ int CountNode(int remaining) {
   return capped ? std::min(remaining, 1) : remaining;
 }
 
-// The two passes of a node that need not answer anything.
-template <Side Us> int TryPasses(Node &node, MoveSets &moves, const KingDanger &danger) {
-  moves.Froms = 0;
-  bool finished = false;
+// The first pass of a node that need not answer anything; true when the node is cut or the search stopped.
+template <Side Us> bool TryCaptures(Node &node, MoveSets &moves, const KingDanger &danger) {
   if (node.Depth > 0) {
-    SetCaptureZoneMoves<Us>(moves, node, danger);
-    finished = TryMoves<Us, Pass::kCaptureZone>(node, moves);
-  } else {
-    SetRecaptures<Us>(moves, node, danger);
-    finished = TryMoves<Us, Pass::kOrdinary>(node, moves);
+    SetCaptureZoneMoves<Us>(moves, danger, node.QuietCredit > 0 && node.Ply < kForkPushLimit);
+    if (node.QueenTarget != kNoSquare)
+      AddBishopManoeuvres<Us>(moves, danger, node.QueenTarget, node.Ply);
+    return TryMoves<Us, Pass::kCaptureZone>(node, moves);
   }
-  if (finished)
-    return node.Best;
+  const Bitboard takenByThem = UndoStack[static_cast<unsigned>(node.Ply - 1)].BySide[Us];
+  SetRecaptures<Us>(moves, danger, takenByThem, node.Ply < kCheckLimit);
+  return TryMoves<Us, Pass::kOrdinary>(node, moves);
+}
+
+// Its second pass.
+template <Side Us> void TryQuietChecks(Node &node, MoveSets &moves, const KingDanger &danger) {
   if (node.QuietCredit <= 0 || node.Ply >= kCheckLimit || !MayPlayQuietCheck(node))
-    return node.Best;
-  moves.Froms = 0;
-  SetQuietChecks<Us>(moves, node, danger);
+    return;
+  SetQuietChecks<Us>(moves, danger, node.Depth > 0, node.Ply);
   TryMoves<Us, Pass::kQuietChecks>(node, moves);
-  return node.Best;
 }
 
 template <Side Us> int Search(Node &node) {
@@ -370,11 +246,15 @@ template <Side Us> int Search(Node &node) {
     return EvaluateWithin(node.Range);
   node.Depth = std::max(node.Depth, node.FloorPlies > 0 || inCheck ? 1 : node.Depth);
   node.Best = Us == kWhite ? -kInfinity : kInfinity;
-  if (!inCheck && node.Forced == kNotForced)
-    return Improve<Us>(node, EvaluateWithin(node.Range)) ? node.Best : TryPasses<Us>(node, moves, danger);
-  if (!inCheck)
-    SetLegalMoves<Us>(moves, danger);
-  TryMoves<Us, Pass::kOrdinary>(node, moves);
+  if (inCheck || node.Forced != kNotForced) {
+    if (!inCheck)
+      SetLegalMoves<Us>(moves, danger);
+    TryMoves<Us, Pass::kOrdinary>(node, moves);
+    return node.Best;
+  }
+  const bool cut = Improve<Us>(node, EvaluateWithin(node.Range));
+  if (!cut && !TryCaptures<Us>(node, moves, danger))
+    TryQuietChecks<Us>(node, moves, danger);
   return node.Best;
 }
 

@@ -49,8 +49,9 @@ template <Side Us, TableUse Table> PackedMove FindFirstMove(int ply) {
   return PvMoveAtPly(ply, Us) ? FinalPv[static_cast<unsigned>(ply)].Move : kNoMove;
 }
 
-// A child's score that is no better than the best so far leaves no trace. One that its grandparent cannot tell from
-// others cuts the node, whichever it is; at the other end the scores still decide on the best line and stay apart.
+// A child's score that is no better than the best so far leaves no trace. Beyond the other end of the node's own range
+// any score cuts the node at once. The range's near end does not count: scores there choose the best line and the move
+// for the table, though the callers cannot tell them apart.
 template <Side Us> ScoreRange ChildRange(const Node &node) {
   if constexpr (Us == kWhite)
     return {node.Best, node.Range.Ceiling};

@@ -35,8 +35,7 @@ void ResizeTransposition(int sizeKb) {
   ++TranspositionGeneration;
   TranspositionSizeKb = sizeKb;
   TranspositionSlots = sizeKb * kSlotsPerKb;
-  AllocateBlock(kTranspositionBlock,
-                static_cast<std::size_t>(TranspositionSlots) * (sizeof(std::uint16_t) + sizeof(PositionKey)));
+  AllocateBlock(kTranspositionBlock, static_cast<std::size_t>(TranspositionSlots) * kSlotBytes);
 }
 
 PackedMove ProbeTransposition(int ply, Side side) {
@@ -48,7 +47,7 @@ PackedMove ProbeTransposition(int ply, Side side) {
   prepared.Key = TranspositionKey(side);
   prepared.Slot = SlotIndex();
   const std::uint16_t stored = StoredMove(prepared.Slot);
-  if (stored == 0 || !(StoredKey(prepared.Slot) == prepared.Key))
+  if (stored == 0 || StoredKey(prepared.Slot) != prepared.Key)
     return kNoMove;
   const auto move = static_cast<PackedMove>(stored - 1);
   return IsLegalMoveOf(side, move) ? move : kNoMove;

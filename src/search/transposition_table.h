@@ -20,6 +20,9 @@ extern int TranspositionSlots;  // 8 for each KiB
 // Request flag 1. With it off no move is read or stored.
 extern bool UseTranspositionMoves;
 
+// Each slot takes a move and a key.
+constexpr std::size_t kSlotBytes = sizeof(std::uint16_t) + sizeof(PositionKey);
+
 // Makes an empty table of that size, 0, 512 or 1024 KiB; any other size is ignored. Ends the process with exit code 2
 // when there is no memory.
 void ResizeTransposition(int sizeKb);
@@ -27,7 +30,7 @@ void ResizeTransposition(int sizeKb);
 // The key of the position in the table: unlike a PositionKey it takes the en-passant square as it stands.
 inline PositionKey TranspositionKey(Side side) { return MakePositionKey(Position, side, Position.EnPassantSquare); }
 
-// The slot of the board. There must be a table, for this and for what follows.
+// The slot of the board. There must be a table for this, StoredMove and StoredKey.
 inline std::size_t SlotIndex() { return BoardHash() & static_cast<std::uint32_t>(TranspositionSlots - 1); }
 
 // The move of a slot, plus 1; 0 in an empty slot. The moves of all slots stand together before the keys: most slots are
@@ -48,7 +51,7 @@ inline void DisplaceOtherPosition(Side side) {
     return;
   const std::size_t slot = SlotIndex();
   std::uint16_t &move = StoredMove(slot);
-  if (move != 0 && !(StoredKey(slot) == TranspositionKey(side))) [[unlikely]]
+  if (move != 0 && StoredKey(slot) != TranspositionKey(side)) [[unlikely]]
     move = 0;
 }
 
