@@ -6,6 +6,7 @@
 #include "board/rules.h"
 #include "plain/plain_quiescence.h"
 #include "random_positions.h"
+#include "search/search_driver.h"
 
 using namespace zorvane;
 
@@ -25,42 +26,19 @@ TEST_F(PositionKeyTest, EqualKeysAreEqualTexts) {
       EXPECT_EQ(other == key, text == entry->first) << text;
   };
   ForRandomPositions(800, [&] {
-    const BoardState kept = Position;
     compare(kWhite);
     compare(kBlack);
+    Position.EnPassantSquare = kNoSquare;
+    SetPlainPosition();
+    compare(SideToMove); // the same position, unless the target could be taken
     ++Position.HalfmoveClock;
     compare(SideToMove);
     Position.MovedFlags ^= static_cast<std::uint8_t>(1 << RandomBelow(6));
     Position.EnPassantSquare = static_cast<std::uint8_t>(RandomBelow(2) != 0 ? kNoSquare : 16 + RandomBelow(32));
     SetPlainPosition();
     compare(SideToMove);
-    Position = kept;
   });
   EXPECT_GT(known, 800);
-}
-
-TEST_F(PositionKeyTest, ATargetCountsWhenItCanBeTaken) {
-  const std::pair<const char *, bool> cases[] = {
-      {"4k3/8/8/3pP3/8/8/8/4K3 w - d6", true},    {"4k3/8/8/2Pp4/8/8/8/4K3 w - d6", true},
-      {"4k3/8/8/3p4/8/8/8/4K3 w - d6", false},    {"4k3/8/8/3pP3/8/8/8/4K3 b - d6", false},
-      {"4r1k1/8/8/3pP3/8/8/8/4K3 w - d6", false}, {"6k1/8/8/r2pP2K/8/8/8/8 w - d6", false},
-      {"4r1k1/8/8/2PpP3/8/8/8/4K3 w - d6", true}, {"4k3/8/8/4P3/8/8/8/4K3 w - d6", false},
-      {"4k3/8/8/8/pP6/8/8/4K3 b - b3", true},     {"4k3/8/8/3pP3/8/8/4r3/4K3 w - d6", false},
-  };
-  for (const auto &[fen, counts] : cases) {
-    ASSERT_TRUE(LoadFen(fen));
-    const int target = counts ? Position.EnPassantSquare : kNoSquare;
-    EXPECT_TRUE(BuildPositionKey(SideToMove) == MakePositionKey(Position, SideToMove, target)) << fen;
-  }
-}
-
-void PlayInGame(PackedMove move) {
-  BoundedString text;
-  MoveText(text, PieceOn(FromOf(move)), FromOf(move), ToOf(move));
-  ASSERT_TRUE(ApplyUciMove(text.Text.data()));
-  SetPlainPosition();
-  if (plain::Line.GameHistory.size() < kGameHistoryLimit)
-    plain::Line.GameHistory.push_back(plain::PositionKey(PlainSide(SideToMove)));
 }
 
 // Mostly the way back of the move before the last, so that positions come again; bare kings wander, so that they come
@@ -77,35 +55,35 @@ PackedMove WaveringMove(const std::vector<PackedMove> &played) {
 void CompareCountsOnALine(std::vector<PackedMove> played) {
   const BoardState root = Position;
   const Side rootSide = SideToMove;
-  for (int ply = 1; ply <= 11; ++ply) {
+  for (CurrentDepth = 0; CurrentDepth < 11;) {
     const PackedMove move = WaveringMove(played);
     if (move == kNoMove)
       break;
-    SaveState(ply - 1);
     played.push_back(move);
-    PlayMove(move);
-    SetPlainPosition();
-    const int expected = plain::CountRepetitions(PlainSide(SideToMove), ply);
+    const int expected = Descend(move);
     for (const int atLeast : {1, 2}) {
-      const int count = CountRepetitions(SideToMove, ply, atLeast);
+      const int count = CountRepetitions(SideToMove, CurrentDepth, atLeast);
       EXPECT_TRUE(expected >= atLeast ? count == expected : count < atLeast) << count << ' ' << expected;
     }
   }
   Position = root;
   SideToMove = rootSide;
+  SetPlainPosition();
 }
 
 TEST_F(PositionKeyTest, RepetitionsInGamesAndLines) {
   for (const char *fen : {StartFen, "r3k2r/8/8/3pP3/8/8/8/R3K2R w KQkq d6 0 1", "8/8/8/3k4/8/8/3QK3/8 b - - 30 40",
                           "k7/8/8/8/8/8/8/7K w - -", "4k3/2n2b2/8/2P1P3/8/1N4N1/P6p/4K3 w - - 0 1"}) {
     ASSERT_TRUE(LoadFen(fen));
-    SetPlainPosition();
-    plain::Line.GameHistory = {plain::PositionKey(PlainSide(SideToMove))};
+    BeginLine();
     std::vector<PackedMove> played;
     for (int i = 0; i < 400 && RandomMove() != kNoMove; ++i) {
       CompareCountsOnALine(played);
-      played.push_back(WaveringMove(played));
-      PlayInGame(played.back());
+      const PackedMove move = WaveringMove(played);
+      played.push_back(move);
+      BoundedString text;
+      MoveText(text, PieceOn(FromOf(move)), FromOf(move), ToOf(move));
+      PlayInGame(text.Text.data());
     }
     ASSERT_FALSE(HasFailure()) << fen;
   }

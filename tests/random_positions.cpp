@@ -1,10 +1,16 @@
 #include "random_positions.h"
 
 #include <algorithm>
+#include <fstream>
 #include <random>
+#include <sstream>
 
 #include "board/legal_moves.h"
+#include "board/move_text.h"
+#include "board/position_key.h"
 #include "frontend/engine_main.h"
+#include "plain/plain_quiescence.h"
+#include "search/search_driver.h"
 #include "search/stop_control.h"
 
 using namespace zorvane;
@@ -14,21 +20,6 @@ namespace {
 std::mt19937 Generator;
 
 constexpr char kLetters[] = "PRNBQK  prnbqk";
-
-constexpr const char *kGameFens[] = {
-    StartFen,
-    "r3k2r/p1ppqpb1/bn2pnp1/3PN3/1p2P3/2N2Q1p/PPPBBPPP/R3K2R w KQkq - 0 1",
-    "r2q1rk1/pP1p2pp/Q4n2/bbp1p3/Np6/1B3NBn/pPPP1PPP/R3K2R b KQ - 0 1",
-    "r4rk1/1pp1qppp/p1np1n2/2b1p1B1/2B1P1b1/P1NP1N2/1PP1QPPP/R4RK1 w - - 0 10",
-    "rnbq1k1r/pp1Pbppp/2p5/8/2B5/8/PPP1NnPP/RNBQK2R w KQ - 1 8",
-    "8/2p5/3p4/KP5r/1R3p1k/8/4P1P1/8 w - - 0 1",
-    "n1n5/PPPk4/8/8/8/8/4Kppp/5N1N b - - 0 1",
-    "r3k2r/8/8/8/8/8/8/R3K2R b KQkq - 96 60",
-    "8/8/8/3k4/8/8/3QK3/8 w - - 0 1",
-    "8/5bk1/8/2Pp4/8/1K6/8/8 w - d6 0 1",
-    "3r1rk1/1b2qpp1/p3p2p/1pbnN3/4B3/P3P1Q1/1B3PPP/2R2RK1 w - - 4 20",
-    "4k3/2n2b2/8/2P1P3/8/1N4N1/P6p/4K3 w - - 0 1",
-};
 
 // Puts count men of the letters on random empty squares.
 void Scatter(std::string &board, int count, const std::string &letters) {
@@ -52,6 +43,20 @@ std::string SquareText(int square) {
 
 } // namespace
 
+std::vector<std::vector<std::string>> ReadTable(const std::string &name) {
+  std::vector<std::vector<std::string>> rows;
+  std::ifstream file(ZORVANE_TEST_DATA "/" + name);
+  for (std::string line; std::getline(file, line);) {
+    if (line[0] == '#')
+      continue;
+    std::istringstream columns(line);
+    for (auto &row = rows.emplace_back(); std::getline(columns, line, '\t');)
+      row.push_back(line);
+  }
+  EXPECT_FALSE(rows.empty()) << name;
+  return rows;
+}
+
 void EngineTest::SetUp() {
   Generator.seed(20);
   StartEngine();
@@ -60,7 +65,9 @@ void EngineTest::SetUp() {
 
 int RandomBelow(int limit) { return static_cast<int>(Generator() % static_cast<unsigned>(limit)); }
 
-std::string OddFen() {
+// A placement that loads but that no game need ever reach: pawns on the last ranks, kings that could be taken, targets
+// out of nowhere, castling fields without rooks, up to forty queens or thirty pawns, or hardly any men.
+static std::string OddFen() {
   std::string board(64, '1');
   const auto king = static_cast<size_t>(RandomBelow(64));
   board[king] = 'K';
@@ -106,16 +113,25 @@ std::string CurrentFen() {
 }
 
 void ForRandomPositions(int count, const std::function<void()> &visit) {
+  static const auto starts = ReadTable("positions.tsv");
+  static const auto games =
+      std::count_if(starts.begin(), starts.end(), [](const auto &row) { return row[1] == "game"; });
   int done = 0;
-  for (size_t walk = 0; done < count; ++walk) {
-    const bool odd = walk % 2 != 0;
-    ASSERT_TRUE(LoadFen(odd ? OddFen().c_str() : kGameFens[walk / 2 % std::size(kGameFens)]));
+  for (size_t walk = 0; walk < starts.size() || done < count; ++walk) {
+    const bool special = walk < starts.size();
+    const bool odd = !special && walk % 2 != 0;
+    const std::string start = odd ? OddFen() : starts[special ? walk : walk / 2 % static_cast<size_t>(games)][0];
+    ASSERT_TRUE(LoadFen(start.c_str()));
     PackedMove move = kNoMove;
-    for (int plies = odd ? 5 : 40; plies > 0 && done < count; --plies, ++done) {
+    for (int plies = special ? 1 : odd ? 5 : 40; plies > 0; --plies, ++done) {
       const std::string fen = CurrentFen();
+      const BoardState kept = Position;
+      const Side side = SideToMove;
       SetPlainPosition();
       visit();
       ASSERT_FALSE(testing::Test::HasFailure()) << fen;
+      Position = kept;
+      SideToMove = side;
       if ((move = RandomMove()) == kNoMove)
         break;
       PlayMove(move);
@@ -160,3 +176,26 @@ plain::BoardState PlainBoard() {
 }
 
 void SetPlainPosition() { plain::Position = PlainBoard(); }
+
+void BeginLine() {
+  SetPlainPosition();
+  plain::Line = {};
+  plain::Line.GameHistory = {plain::PositionKey(PlainSide(SideToMove))};
+  UndoStack = {};
+  CurrentDepth = 0;
+}
+
+void PlayInGame(const char *move) {
+  ASSERT_TRUE(ApplyUciMove(move)) << move;
+  SetPlainPosition();
+  if (plain::Line.GameHistory.size() < kGameHistoryLimit)
+    plain::Line.GameHistory.push_back(plain::PositionKey(PlainSide(SideToMove)));
+}
+
+int Descend(PackedMove move) {
+  SaveState(CurrentDepth);
+  plain::Line.Undo[CurrentDepth++] = plain::Position;
+  PlayMove(move);
+  plain::MakeMove(PlainMove(move));
+  return plain::CountRepetitions(PlainSide(SideToMove), CurrentDepth);
+}

@@ -1,4 +1,5 @@
-// Random positions of all kinds for the comparisons with the plain counterparts, the same in every run.
+// What the C++ tests share: tables of cases, and random positions of all kinds for the comparisons with the plain
+// counterparts, the same in every run.
 #pragma once
 
 #include <functional>
@@ -19,15 +20,15 @@ protected:
 // A random number below limit.
 int RandomBelow(int limit);
 
-// A placement that loads but that no game need ever reach: pawns on the last ranks, kings that could be taken, targets
-// out of nowhere, castling fields without rooks, up to forty queens or thirty pawns, or hardly any men.
-std::string OddFen();
+// The rows of a table in tests/data, as columns; lines that begin with "#" say what they mean.
+std::vector<std::vector<std::string>> ReadTable(const std::string &name);
 
 // The position of the engine, SideToMove included.
 std::string CurrentFen();
 
-// Calls visit on count positions: of random walks from positions of games and, every second time, from odd ones. A walk
-// plays for SideToMove by MakeMove. Ends at the first failure, having told the position.
+// Calls visit on count positions and a few more: all of positions.tsv, then random walks from its games and, every
+// second time, from odd positions. A walk plays for SideToMove by MakeMove, whatever visit leaves on the board. Ends at
+// the first failure, having told the position.
 void ForRandomPositions(int count, const std::function<void()> &visit);
 
 // The engine's legal moves in its order.
@@ -42,6 +43,13 @@ void PlayMove(zorvane::PackedMove move);
 // Between the two worlds.
 plain::BoardState PlainBoard();
 void SetPlainPosition();
+
+// In both worlds: starts a game and a line of the search at the position on the board, plays a move of the game, and
+// takes the line one ply further, as a level does. Returns how often that position has been there.
+void BeginLine();
+void PlayInGame(const char *move);
+int Descend(zorvane::PackedMove move);
+
 inline int PlainSide(zorvane::Side side) { return side == zorvane::kWhite ? 1 : 2; }
 inline plain::Square PlainSquare(int square) {
   return square == zorvane::kNoSquare ? plain::Square{} : plain::Square{square % 8, square / 8};

@@ -1,6 +1,7 @@
-// The rules against their plain counterpart, every field that MakeMove keeps, FEN, and perft.
+// The rules against their plain counterpart, every field that MakeMove keeps, and FEN.
 #include <cstddef>
 #include <cstring>
+#include <numeric>
 
 #include "board/perft.h"
 #include "board/position_key.h"
@@ -81,11 +82,15 @@ template <Side Us> void CompareChecks() {
 
 TEST_F(RulesTest, LegalMovesAttacksAndChecks) {
   ForRandomPositions(3000, [] {
-    for (const Side side : {kWhite, kBlack}) {
+    for (const Side side : {Opposite(SideToMove), SideToMove}) {
       const std::vector<PackedMove> moves = PlainLegalMoves(side);
       EXPECT_EQ(LegalMoveList(side), moves);
       EXPECT_EQ(CountLegalMoves(side), static_cast<int>(moves.size()));
       EXPECT_EQ(HasLegalMove(side), !moves.empty());
+      SideToMove = side;
+      EXPECT_EQ(Perft(1), std::accumulate(moves.begin(), moves.end(), 0U, [](unsigned sum, PackedMove move) {
+                  return sum + (plain::IsPromotion(PlainMove(move)) ? 4 : 1);
+                }));
       EXPECT_EQ(IsInCheck(side), plain::IsInCheck(PlainSide(side)));
       for (int square = 0; square < kSquares; ++square)
         EXPECT_EQ(IsSquareAttacked(square, side), plain::IsSquareAttacked(PlainSquare(square), PlainSide(side)));
@@ -134,62 +139,21 @@ TEST_F(RulesTest, EveryMoveKeepsEveryField) {
   });
 }
 
-TEST_F(RulesTest, FenTakenOver) {
-  struct {
-    const char *Fen, *Taken;
-    long Ply;
-    int Flags;
-  } const cases[] = {
-      {"8/8/8/8/8/8/8/K6k w - -", "w - - 0", 0, 63},
-      {"8/8/8/8/8/8/8/K6k b x - 7 0", "b - - 7", -1, 63},
-      {"8/8/8/8/8/8/8/K6k w KK e6 x 9", "w K e6 0", 0, 63 - kWhiteKingMoved - kWhiteRookHMoved},
-      {"8/8/8/8/8/8/8/Kk6 w abcdefq - 3", "w q - 3", 0, 63 - kBlackKingMoved - kBlackRookAMoved},
-      {"8/8/8/8/8/8/8/Kk6 b qQkK h3 2147483648 2147483648", "b KQkq h3 1000000000", 4294967293, 0},
-  };
-  for (const auto &row : cases) {
-    ASSERT_TRUE(LoadFen(row.Fen));
-    EXPECT_EQ(CurrentFen().substr(72), row.Taken);
-    EXPECT_TRUE(GamePly == row.Ply && Position.MovedFlags == row.Flags && GameHistoryCount == 1) << row.Fen;
-  }
-  ASSERT_TRUE(LoadFen("PRNBQKpr/8/1nbqk3/8/QQQQQQQQ/8/7p/P6P w - -"));
-  EXPECT_EQ(CurrentFen().substr(0, 71), "PRNBQKpr/11111111/1nbqk111/11111111/QQQQQQQQ/11111111/1111111p/P111111P");
-}
-
-TEST_F(RulesTest, FenRefusedChangesNothing) {
-  ASSERT_TRUE(LoadFen("r3k2r/8/8/8/8/8/8/R3K2R b Kq e3 5 7"));
-  const BoardState before = Position;
-  for (const char *fen :
-       {"", "8/8/8/8/8/8/8/K6k w -", "9/8/8/8/8/8/8/K6k w - -", "8/8/8/8/8/8/8/K7k w - -", "8/8/8/8/8/8/8/K5k w - -",
-        "8/8/8/8/8/8/K6k w - -", "8/8/8/8/8/8/8/8/K6k w - -", "8/8/8/8/8/8/8/K6k/ w - -", "08/8/8/8/8/8/8/K6k w - -",
-        "8/8/8/8/8/8/8/KK5k w - -", "8/8/8/8/8/8/8/K7 w - -", "8/8/8/8/8/8/8/K5xk w - -", "8/8/8/8/8/8/8/K6k white - -",
-        "8/8/8/8/8/8/8/K6k W - -", "8/8/8/8/8/8/8/K6k w - e4", "8/8/8/8/8/8/8/K6k w - e", "8/8/8/8/8/8/8/K6k w - e33",
-        "8/8/8/8/8/8/8/K6k w - i6", "8/8/8/8/8/8/8/K6k w - - -1"}) {
-    EXPECT_FALSE(LoadFen(fen)) << fen;
-    EXPECT_TRUE(SameState(Position, before) && SideToMove == kBlack && GamePly == 13 && GameHistoryCount == 1) << fen;
-  }
-}
-
-TEST_F(RulesTest, Perft) {
-  struct {
-    const char *Fen;
-    int Depth, Leaves;
-  } const cases[] = {
-      {StartFen, 5, 4865609},
-      {"r3k2r/p1ppqpb1/bn2pnp1/3PN3/1p2P3/2N2Q1p/PPPBBPPP/R3K2R w KQkq - 0 1", 4, 4085603},
-      {"8/2p5/3p4/KP5r/1R3p1k/8/4P1P1/8 w - - 0 1", 5, 674624},
-      {"r3k2r/Pppp1ppp/1b3nbN/nP6/BBP1P3/q4N2/Pp1P2PP/R2Q1RK1 w kq - 0 1", 4, 422333},
-      {"rnbq1k1r/pp1Pbppp/2p5/8/2B5/8/PPP1NnPP/RNBQK2R w KQ - 1 8", 4, 2103487},
-      {"n1n5/PPPk4/8/8/8/8/4Kppp/5N1N b - - 0 1", 4, 182838},
-  };
-  for (const auto &row : cases) {
-    ASSERT_TRUE(LoadFen(row.Fen));
-    EXPECT_EQ(Perft(row.Depth), static_cast<unsigned>(row.Leaves)) << row.Fen;
-  }
-  for (int i = 0; i < 40; ++i) {
-    const std::string fen = OddFen();
-    ASSERT_TRUE(LoadFen(fen.c_str()));
-    SetPlainPosition();
-    EXPECT_EQ(Perft(2), plain::Perft(PlainSide(SideToMove), 2)) << fen;
+TEST_F(RulesTest, FenTakenOverOrRefused) {
+  for (const auto &row : ReadTable("fens.tsv")) {
+    SCOPED_TRACE(row[0]);
+    ASSERT_TRUE(LoadFen("r3k2r/8/8/8/8/8/8/R3K2R b Kq e3 5 7"));
+    const BoardState before = Position;
+    if (row[1] == "-") {
+      EXPECT_FALSE(LoadFen(row[0].c_str()));
+      EXPECT_TRUE(SameState(Position, before) && SideToMove == kBlack && GamePly == 13);
+    } else {
+      EXPECT_TRUE(LoadFen(row[0].c_str()));
+      EXPECT_EQ(CurrentFen(), row[1]);
+      EXPECT_EQ(std::to_string(GamePly), row[2]);
+      EXPECT_EQ(std::to_string(Position.MovedFlags), row[3]);
+    }
+    EXPECT_EQ(GameHistoryCount, 1);
   }
 }
 

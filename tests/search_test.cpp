@@ -1,4 +1,4 @@
-// A whole search from outside: its answers at the edges, the table, the stop, and what it allocates.
+// A search from inside: its scores, the table, the stop, and what it allocates.
 #include <cstdlib>
 
 #include "board/memory_block.h"
@@ -54,89 +54,16 @@ void Search(const char *fen, int depth) {
   RunSearch();
 }
 
-TEST_F(SearchTest, AnswersAtTheEdges) {
-  struct {
-    const char *Fen;
-    int Depth;
-    const char *Best;
-    int Score, Completed;
-  } const cases[] = {
-      {"7k/6Q1/6K1/8/8/8/8/8 b - -", 3, "---", kMateValue, 0},
-      {"8/8/8/8/8/6k1/6q1/7K w - -", 3, "---", -kMateValue, 0},
-      {"7k/5Q2/6K1/8/8/8/8/8 b - -", 3, "---", 0, 0},
-      {"6k1/8/6K1/8/8/8/8/R7 w - -", 4, "a1a8", kMateValue - 1, 1},
-      {"6K1/8/6k1/8/8/8/8/r7 b - -", 4, "a1a8", 1 - kMateValue, 1},
-      {"7k/8/8/6K1/8/8/8/R7 w - - 0", 5, "g5g6", kMateValue - 3, 2},
-      {"8/8/8/8/8/4k3/8/4K2n w - - 99", 2, "e1d1", 0, 2},
-      {"4k3/8/8/8/8/8/8/4KB2 w - -", 3, "f1b5", 0, 3},
-  };
-  for (const auto &row : cases) {
-    SCOPED_TRACE(row.Fen);
-    Search(row.Fen, row.Depth);
-    EXPECT_STREQ(Result.BestMoveText.Text.data(), row.Best);
-    EXPECT_EQ(Result.BestScore, row.Score);
-    EXPECT_EQ(CompletedDepth, row.Completed);
-  }
-}
-
 TEST_F(SearchTest, ADepthOneScoreIsTheQuiescenceOfTheBestMove) {
   ForRandomPositions(300, [] {
     const std::string fen = CurrentFen();
     Search(fen.c_str(), 1);
     if (Result.BestMove == kNoMove)
       return;
-    SetPlainPosition();
-    plain::Line = {};
-    plain::Line.GameHistory = {plain::PositionKey(PlainSide(SideToMove))};
-    plain::Line.Undo[0] = plain::Position;
-    plain::MakeMove(PlainMove(Result.BestMove));
-    EXPECT_EQ(Result.BestScore, plain::EnterQuiescence(PlainSide(Opposite(SideToMove)), 1, -kInfinity, kInfinity));
+    BeginLine();
+    Descend(Result.BestMove);
+    EXPECT_EQ(Result.BestScore, plain::EnterQuiescence(PlainSide(SideToMove), 1, -kInfinity, kInfinity));
   });
-}
-
-TEST_F(SearchTest, TheThirdTimeIsADraw) {
-  constexpr char fen[] = "8/5rrk/8/8/8/7P/7P/6BK w - - 0 1";
-  Search(fen, 2);
-  EXPECT_LT(Result.BestScore, -300);
-  ASSERT_TRUE(LoadFen(fen));
-  for (int i = 0; i < 2; ++i)
-    for (const char *move : {"g1d4", "g7g8", "d4g1", "g8g7"})
-      ASSERT_TRUE(ApplyUciMove(move));
-  RunSearch();
-  EXPECT_EQ(Result.BestScore, 0);
-  EXPECT_STREQ(Result.BestMoveText.Text.data(), "g1d4");
-}
-
-TEST_F(SearchTest, TheBestLineCanBePlayed) {
-  for (const char *fen : {StartFen, kTactical, "8/2p5/3p4/KP5r/1R3p1k/8/4P1P1/8 w - - 0 1"}) {
-    Search(fen, 5);
-    EXPECT_EQ(FinalPv[0].Move, Result.BestMove);
-    int length = 0;
-    for (; FinalPv[static_cast<unsigned>(length)].Valid; ++length) {
-      const PvEntry &entry = FinalPv[static_cast<unsigned>(length)];
-      EXPECT_TRUE(entry.Key == BuildPositionKey(SideToMove));
-      EXPECT_EQ(entry.Mover, PieceOn(FromOf(entry.Move)));
-      ASSERT_TRUE(IsLegalMove(FromOf(entry.Move), ToOf(entry.Move)));
-      PlayMove(entry.Move);
-    }
-    EXPECT_GE(length, 4);
-  }
-}
-
-TEST_F(SearchTest, TheSamePositionAndLimitsGiveTheSameTree) {
-  for (const char *fen : {StartFen, kTactical}) {
-    Search(fen, 5);
-    const std::int64_t nodes = Nodes;
-    const SearchResult result = Result;
-    for (const bool cached : {false, true}) {
-      PawnCacheEnabled = cached;
-      ResizeTransposition(kDefaultTableKb);
-      Search(fen, 5);
-      EXPECT_EQ(Nodes, nodes);
-      EXPECT_EQ(Result.BestMove, result.BestMove);
-      EXPECT_EQ(Result.BestScore, result.BestScore);
-    }
-  }
 }
 
 // What a node of White's leaves when e5d7 was its best move.
@@ -213,7 +140,8 @@ TEST_F(SearchTest, AllocatesNothingButThePawnCache) {
   ASSERT_TRUE(LoadFen(kTactical));
   MaxDepth = 4;
   AllocateBlock(kPawnCacheBlock, 0);
-  for (const int expected : {1, 0}) {
+  for (const auto &[cached, expected] : {std::pair{false, 0}, std::pair{true, 1}, std::pair{true, 0}}) {
+    PawnCacheEnabled = cached;
     const int before = Allocations;
     RunSearch();
     EXPECT_EQ(Allocations - before, expected);

@@ -167,23 +167,6 @@ std::vector<Move> LegalMoves(int side) {
   return moves;
 }
 
-unsigned long long Perft(int side, int depth) {
-  if (depth == 0)
-    return 1;
-  const BoardState before = Position;
-  unsigned long long count = 0;
-  for (const Move m : LegalMoves(side)) {
-    const bool promotes = IsPromotion(m);
-    for (int type = promotes ? kRook : kQueen; type <= kQueen; ++type) {
-      MakeMove(m);
-      At(m.To) = promotes ? Code(side, type) : At(m.To);
-      count += Perft(3 - side, depth - 1);
-      Position = before;
-    }
-  }
-  return count;
-}
-
 // The target counts only when a pawn of `side` can really capture on it.
 static std::string EnPassantKeyText(int side) {
   const Square to = Position.EnPassant;

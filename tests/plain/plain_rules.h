@@ -66,7 +66,6 @@ bool IsLegalMove(Move m);
 void MakeMove(Move m);
 bool MoveGivesCheck(Move m);
 std::vector<Move> LegalMoves(int side);
-unsigned long long Perft(int side, int depth);
 
 // The identity of the position as text, and its hash.
 std::string PositionKey(int side);
