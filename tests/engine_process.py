@@ -59,9 +59,15 @@ def without_times(line):
     return re.sub(r' (time|nps) -?\d+', '', line)
 
 
-def recorded_rows(name):
-    """The rows of a recorded table, as lists of columns."""
-    return [line.split('\t') for line in (DATA / name).read_text().splitlines()][::SAMPLE]
+def unescape(text):
+    """The text with "\\n" and the like in place."""
+    return text.encode().decode('unicode_escape')
+
+
+def table(name):
+    """The rows of a table, as lists of columns; lines that begin with "#" say what they mean."""
+    return [[unescape(column) for column in line.split('\t')]
+            for line in (DATA / name).read_text().splitlines() if not line.startswith('#')]
 
 
 def recorded_blocks(name):

@@ -4,7 +4,6 @@
 #include "board/move_text.h"
 #include "board/position_key.h"
 #include "board/rules.h"
-#include "plain/plain_quiescence.h"
 #include "random_positions.h"
 #include "search/search_driver.h"
 

@@ -137,20 +137,7 @@ TEST_F(QuiescenceTest, MoveLists) {
   });
 }
 
-TEST_F(QuiescenceTest, KillersAndHistory) {
-  ClearKillers();
-  StoreKiller(3, 100);
-  StoreKiller(3, 100);
-  EXPECT_EQ(KillerTable[3], (std::array<PackedMove, 2>{100, kNoMove}));
-  StoreKiller(3, 200);
-  StoreKiller(3, 100);
-  EXPECT_EQ(KillerTable[3], (std::array<PackedMove, 2>{100, 200}));
-  EXPECT_EQ(KillerTable[4], (std::array<PackedMove, 2>{kNoMove, kNoMove}));
-  ClearHistory();
-  AddHistory(kBlack, 1, 100);
-  AddHistory(kBlack, 7, 100);
-  EXPECT_EQ(HistoryTable[kBlack][100], 64 + 4);
-  EXPECT_EQ(HistoryTable[kWhite][100], 0);
+TEST_F(QuiescenceTest, HistoryStopsAtItsLimit) {
   HistoryTable[kWhite][100] = kHistoryLimit - 10;
   AddHistory(kWhite, 1, 100);
   EXPECT_EQ(HistoryTable[kWhite][100], kHistoryLimit);

@@ -2,7 +2,6 @@
 #include <cstdlib>
 
 #include "board/memory_block.h"
-#include "board/move_text.h"
 #include "board/rules.h"
 #include "evaluation/evaluate.h"
 #include "evaluation/pawn_structure.h"
@@ -79,7 +78,6 @@ TEST_F(SearchTest, TheTableKeepsOneMoveForEachBoard) {
   SearchAborted = false;
   for (int ply = 0; ply <= 7; ++ply) {
     ResizeTransposition(512);
-    ASSERT_EQ(TranspositionSlots, 4096);
     ASSERT_EQ(StoredMove(SlotIndex()), 0);
     ProbeAndStore(ply);
     Evaluate();
