@@ -92,7 +92,7 @@ TEST_F(PositionKeyTest, AFullHistoryTakesNoFurtherPosition) {
   constexpr const char *shuffle[] = {"g1f3", "g8f6", "f3g1", "f6g8"};
   for (int i = 0; i < 1050; ++i)
     ASSERT_TRUE(ApplyUciMove(shuffle[i % 4]));
-  EXPECT_EQ(GameHistoryCount, kGameHistoryLimit);
+  EXPECT_EQ(GameHistoryCount, 1001);
   EXPECT_EQ(GamePly, 1050);
   EXPECT_EQ(CountRepetitions(kWhite, 1, 2), 250);
   EXPECT_EQ(CountRepetitions(kBlack, 1, 2), 0);

@@ -1,4 +1,5 @@
 // Any bytes as a request file, run through the whole mode in a folder that is removed at the end.
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstdio>
@@ -14,6 +15,10 @@
 using namespace zorvane;
 
 namespace {
+
+// Of the buffers that the request is read into.
+constexpr std::size_t kLineSize = 16384;
+constexpr std::size_t kTokenSize = 128;
 
 constexpr std::array kEndings{".response", ".response.tmp", ".cancel", ".error.txt"};
 
@@ -33,29 +38,18 @@ void RemoveFolder() {
 
 // The request with the search, if it asks for one, cut down to depth 1 and a millisecond.
 std::string WithSmallLimits(std::string text) {
-  std::array<char, 16384> line;
-  std::array<char, 128> token;
-  if (text.empty())
-    return text;
-  std::FILE *file = fmemopen(text.data(), text.size(), "r");
-  if (file == nullptr)
-    std::abort();
-  long start = 0;
-  bool hasLimits = false;
+  const auto lineEnd = [&text](std::size_t start, std::size_t bufferSize) {
+    const std::size_t end = text.find('\n', start);
+    return std::min({end == std::string::npos ? end : end + 1, start + bufferSize - 1, text.size()});
+  };
+  const std::size_t start = lineEnd(lineEnd(0, kLineSize), kTokenSize);
+  const std::string line = text.substr(start, lineEnd(start, kLineSize) - start);
   double time = 0;
   int depth = 0;
   int behind = 0;
-  const auto read = [file](auto &buffer) {
-    return std::fgets(buffer.data(), static_cast<int>(buffer.size()), file) != nullptr;
-  };
-  if (read(line) && read(token)) {
-    start = std::ftell(file);
-    hasLimits = read(line);
-  }
-  std::fclose(file);
-  if (hasLimits && std::sscanf(line.data(), "%lf %d%n", &time, &depth, &behind) == 2 && time >= 1 && time <= 300000 &&
-      depth >= 1 && depth <= 8)
-    text.replace(static_cast<std::size_t>(start), static_cast<std::size_t>(behind), "1 1");
+  if (std::sscanf(line.c_str(), "%lf %d%n", &time, &depth, &behind) == 2 && time >= 1 && time <= 300000 && depth >= 1 &&
+      depth <= 8)
+    text.replace(start, static_cast<std::size_t>(behind), "1 1");
   return text;
 }
 
