@@ -87,17 +87,24 @@ template <Side Us> inline Bitboard KingSteps(int king, Bitboard wanted) {
   return steps;
 }
 
-// The squares that the king may castle to.
-template <Side Us> inline Bitboard CastlingTargets(const KingDanger &danger) {
+// True when the king of Us, unmoved and not in check, may castle with the rook of a corner. steps are its legal steps:
+// the square that it passes is among them when it is free and safe.
+template <Side Us> inline bool MayCastleWith(int corner, Bitboard between, int passed, int target, Bitboard steps) {
+  return (Occupied() & between) == 0 && Contains(steps, passed) &&
+         (Position.MovedFlags & RookCornerFlag(Us, corner)) == 0 && PieceOn(corner) == MakePiece(Us, kRook) &&
+         !IsSquareAttacked(target, Opposite(Us));
+}
+
+// The squares that the king may castle to; steps are its legal steps.
+template <Side Us> inline Bitboard CastlingTargets(const KingDanger &danger, Bitboard steps) {
   constexpr int home = Us == kWhite ? MakeSquare(4, 7) : MakeSquare(4, 0);
   constexpr unsigned kingMoved = Us == kWhite ? kWhiteKingMoved : kBlackKingMoved;
   if ((Position.MovedFlags & kingMoved) != 0 || danger.King != home || danger.Checkers != 0)
     return 0;
-  // A man in between settles it mostly, at less cost than the whole question.
   constexpr Bitboard kingSide = Bit(home + 1) | Bit(home + 2);
   constexpr Bitboard queenSide = Bit(home - 1) | Bit(home - 2) | Bit(home - 3);
-  return ((Occupied() & kingSide) == 0 && CanCastle(home, home + 2) ? Bit(home + 2) : 0) |
-         ((Occupied() & queenSide) == 0 && CanCastle(home, home - 2) ? Bit(home - 2) : 0);
+  return (MayCastleWith<Us>(home + 3, kingSide, home + 1, home + 2, steps) ? Bit(home + 2) : 0) |
+         (MayCastleWith<Us>(home - 4, queenSide, home - 1, home - 2, steps) ? Bit(home - 2) : 0);
 }
 
 // The own pawns that can take en passant, legally.
@@ -206,7 +213,8 @@ template <Side Us> inline void SetPawnMoves(MoveSets &moves, Bitboard enemies, B
 // All legal moves.
 template <Side Us> inline void SetLegalMoves(MoveSets &moves, const KingDanger &danger) {
   moves.Froms = 0;
-  SetMoves(moves, danger.King, KingSteps<Us>(danger.King, kAllSquares) | CastlingTargets<Us>(danger));
+  const Bitboard steps = KingSteps<Us>(danger.King, kAllSquares);
+  SetMoves(moves, danger.King, steps | CastlingTargets<Us>(danger, steps));
   if (danger.Resolving == 0)
     return;
   const Bitboard allowed = danger.Resolving & ~Position.BySide[Us] & ~Pieces(kKing);

@@ -24,10 +24,11 @@ template <Side Us> int CountPawnMoves(Bitboard pawns, Bitboard allowed) {
 // Counts the legal moves without listing them.
 template <Side Us> int CountLeaves() {
   const KingDanger danger = FindKingDanger<Us>();
-  int count = CountSquares(KingSteps<Us>(danger.King, kAllSquares));
+  const Bitboard steps = KingSteps<Us>(danger.King, kAllSquares);
+  int count = CountSquares(steps);
   if (danger.Resolving == 0)
     return count;
-  count += CountSquares(CastlingTargets<Us>(danger)) + CountSquares(EnPassantCapturers<Us>());
+  count += CountSquares(CastlingTargets<Us>(danger, steps)) + CountSquares(EnPassantCapturers<Us>());
 
   const Bitboard held = PinnedMen<Us>(danger);
   const Bitboard allowed = danger.Resolving & ~Position.BySide[Us] & ~Pieces(kKing);

@@ -64,7 +64,8 @@ template <Side Us>
 void AddCastlingChecks(MoveSets &moves, const KingDanger &danger, const CheckTargets &checks, int level) {
   if (!Contains(checks.Discoverers, danger.King))
     return;
-  for (Bitboard targets = CastlingTargets<Us>(danger); targets != 0;) {
+  const Bitboard steps = KingSteps<Us>(danger.King, kAllSquares);
+  for (Bitboard targets = CastlingTargets<Us>(danger, steps); targets != 0;) {
     const int to = PopSquare(targets);
     if (MoveGivesCheck(level, danger.King, to))
       AddMoves(moves, danger.King, Bit(to));
