@@ -3,6 +3,8 @@
 import math
 from html import escape
 
+from measure import three_digits
+
 WIDTH = 720
 INK, MUTED, GRID = "#1f2933", "#616e7c", "#e4e7eb"
 OWN, OTHER = "#1f6feb", "#a3b1c2"
@@ -48,7 +50,7 @@ def bar_chart(title, subtitle, panels):
             parts.append(
                 f'<rect x="{left}" y="{y}" width="{length:.1f}" height="{bar}" fill="{fill}"/>'
             )
-            parts.append(text(left + length + 8, y + 15, f"{value:.3g} million", weight="bold"))
+            parts.append(text(left + length + 8, y + 15, f"{three_digits(value)} million", weight="bold"))
             y += step
         y += 34
     return document(y - 12, title, subtitle, parts)

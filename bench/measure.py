@@ -12,6 +12,11 @@ ENGINE = ROOT / "build" / "release" / "zorvane"
 SUITE = ROOT / "tests" / "data" / "suite.bench.tsv"
 
 
+def three_digits(value):
+    """A number with three digits, or with all of those before its point."""
+    return f"{value:,.0f}" if value >= 1000 else f"{value:.3g}"
+
+
 class WrongAnswer(Exception):
     """A program did not do the work that was to be timed, so its time means nothing."""
 
