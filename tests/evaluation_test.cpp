@@ -1,4 +1,4 @@
-// The evaluation against its plain counterpart, with and without its memories.
+// The evaluation against its plain counterpart, with and without pawn cache and table.
 #include <algorithm>
 
 #include "evaluation/evaluate.h"
@@ -19,13 +19,13 @@ void CompareEvaluations() {
     PawnCacheEnabled = cached;
     EXPECT_EQ(ComputeEvaluation(), expected);
   }
-  for (int i = 0; i < 6; ++i) { // the later ones meet what the earlier ones left in the table
+  for (int i = 0; i < 6; ++i) {
     const int floor = expected - 400 + RandomBelow(700);
     const ScoreRange range{floor, floor + 1 + RandomBelow(300)};
     const int score = EvaluateWithin(range);
     EXPECT_EQ(std::clamp(score, range.Floor, range.Ceiling), std::clamp(expected, range.Floor, range.Ceiling));
   }
-  for (const Side asked : {kWhite, kBlack, kBlack, kWhite}) { // both sides and many boards share a slot
+  for (const Side asked : {kWhite, kBlack, kBlack, kWhite}) {
     SideToMove = asked;
     EXPECT_EQ(Evaluate(), expected);
   }

@@ -5,7 +5,7 @@
 
 #include "board/perft.h"
 #include "board/position_key.h"
-#include "evaluation/king_terms.h"
+#include "board/rules.h"
 #include "plain/plain_predicates.h"
 #include "quiescence/check_targets.h"
 #include "quiescence/predicates.h"

@@ -12,7 +12,6 @@ namespace zorvane {
 struct KingDanger {
   int King;
   Bitboard Checkers;
-  Bitboard Resolving;   // where a man other than the king may go: all squares, or those that answer the one check
   Bitboard RookReach;   // what the king sees along rows and files,
   Bitboard BishopReach; // and along diagonals
 };
@@ -41,12 +40,17 @@ template <Side Us> inline KingDanger FindKingDanger() {
                      (KnightAttacks[place] & Pieces(kKnight)) | (PawnAttacks[Us][place] & Pieces(kPawn)) |
                      (KingAttacks[place] & Pieces(kKing))) &
                     Position.BySide[them];
-  danger.Resolving = kAllSquares;
-  if (danger.Checkers != 0)
-    danger.Resolving = HasSeveral(danger.Checkers)
-                           ? 0
-                           : danger.Checkers | Between[place][static_cast<unsigned>(LowestSquare(danger.Checkers))];
   return danger;
+}
+
+// Where a man other than the king may go: all squares, or those that answer the one check.
+inline Bitboard ResolvingSquares(const KingDanger &danger) {
+  if (danger.Checkers == 0)
+    return kAllSquares;
+  return HasSeveral(danger.Checkers)
+             ? 0
+             : danger.Checkers |
+                   Between[static_cast<unsigned>(danger.King)][static_cast<unsigned>(LowestSquare(danger.Checkers))];
 }
 
 // The own men that may move along the line with their king alone.
@@ -147,6 +151,13 @@ inline void AddMoves(MoveSets &moves, int from, Bitboard targets) {
   SetMoves(moves, from, known | targets);
 }
 
+// Leaves an entry of Froms only the squares given.
+inline void KeepMoves(MoveSets &moves, int from, Bitboard squares) {
+  Bitboard &targets = moves.Targets[static_cast<unsigned>(from)];
+  targets &= squares;
+  moves.Froms ^= static_cast<Bitboard>(targets == 0) << from;
+}
+
 // The squares that each kind of piece may go to.
 struct PieceSquares {
   Bitboard Rook;
@@ -162,10 +173,7 @@ template <Side Us> inline void HoldPinned(MoveSets &moves, const KingDanger &dan
     return;
   for (Bitboard pinned = PinnedMen<Us>(danger) & moves.Froms; pinned != 0;) {
     const int from = PopSquare(pinned);
-    Bitboard &targets = moves.Targets[static_cast<unsigned>(from)];
-    targets &= Line[static_cast<unsigned>(danger.King)][static_cast<unsigned>(from)];
-    if (targets == 0)
-      moves.Froms &= ~Bit(from);
+    KeepMoves(moves, from, Line[static_cast<unsigned>(danger.King)][static_cast<unsigned>(from)]);
   }
 }
 
@@ -215,9 +223,10 @@ template <Side Us> inline void SetLegalMoves(MoveSets &moves, const KingDanger &
   moves.Froms = 0;
   const Bitboard steps = KingSteps<Us>(danger.King, kAllSquares);
   SetMoves(moves, danger.King, steps | CastlingTargets<Us>(danger, steps));
-  if (danger.Resolving == 0)
+  const Bitboard resolving = ResolvingSquares(danger);
+  if (resolving == 0)
     return;
-  const Bitboard allowed = danger.Resolving & ~Position.BySide[Us] & ~Pieces(kKing);
+  const Bitboard allowed = resolving & ~Position.BySide[Us] & ~Pieces(kKing);
   SetPieceMoves<Us>(moves, SameForAll(allowed));
   SetPawnMoves<Us>(moves, allowed & Position.BySide[Opposite(Us)], allowed);
   HoldPinned<Us>(moves, danger);

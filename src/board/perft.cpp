@@ -26,12 +26,13 @@ template <Side Us> int CountLeaves() {
   const KingDanger danger = FindKingDanger<Us>();
   const Bitboard steps = KingSteps<Us>(danger.King, kAllSquares);
   int count = CountSquares(steps);
-  if (danger.Resolving == 0)
+  const Bitboard resolving = ResolvingSquares(danger);
+  if (resolving == 0)
     return count;
   count += CountSquares(CastlingTargets<Us>(danger, steps)) + CountSquares(EnPassantCapturers<Us>());
 
   const Bitboard held = PinnedMen<Us>(danger);
-  const Bitboard allowed = danger.Resolving & ~Position.BySide[Us] & ~Pieces(kKing);
+  const Bitboard allowed = resolving & ~Position.BySide[Us] & ~Pieces(kKing);
   const Bitboard occupied = Occupied();
   Bitboard knights = Pieces(Us, kKnight) & ~held;
   while (knights != 0)

@@ -15,9 +15,6 @@ constexpr int kAllSteps = 8;
 constexpr int kFarthestFromEdge = 3;
 constexpr int kFarthestKings = 14;
 
-// A side always has its king.
-bool IsBare(Side side) { return !HasSeveral(Position.BySide[side]); }
-
 // The drive of Us against the bare king of the other side.
 template <Side Us> int DriveOf() {
   constexpr Side bareSide = Opposite(Us);

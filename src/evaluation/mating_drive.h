@@ -5,14 +5,14 @@
 
 namespace zorvane {
 
-// The drive of a position in which a side has nothing but its king.
+// True when the side has nothing but its king.
+inline bool IsBare(Side side) { return !HasSeveral(Position.BySide[side]); }
+
+// The drive of a position in which a side is bare.
 int DriveAgainstBareKing();
 
 // Centipawns, positive when White has a rook or queen against Black's bare king, negative the other way round, 0
 // when neither holds.
-inline int MatingDrive() {
-  const bool bare = !HasSeveral(Position.BySide[kWhite]) || !HasSeveral(Position.BySide[kBlack]);
-  return bare ? DriveAgainstBareKing() : 0;
-}
+inline int MatingDrive() { return IsBare(kWhite) || IsBare(kBlack) ? DriveAgainstBareKing() : 0; }
 
 } // namespace zorvane

@@ -24,9 +24,7 @@ template <Side Us>
 void KeepRecapturesAndChecks(MoveSets &moves, Bitboard retaken, const CheckTargets &checks) {
   for (Bitboard froms = moves.Froms; froms != 0;) {
     const int from = PopSquare(froms);
-    Bitboard &targets = moves.Targets[static_cast<unsigned>(from)];
-    targets &= retaken | CheckingTargets(checks, from, TypeOf(PieceOn(from)));
-    moves.Froms ^= static_cast<Bitboard>(targets == 0) << from;
+    KeepMoves(moves, from, retaken | CheckingTargets(checks, from, TypeOf(PieceOn(from))));
   }
 }
 
