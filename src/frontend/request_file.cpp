@@ -150,8 +150,8 @@ void WriteSearchResult(std::FILE *file, const char *token) {
                static_cast<double>(Result.BestScore), CompletedDepth, static_cast<double>(Nodes), ElapsedMs,
                static_cast<double>(Result.BestMoveReason), static_cast<double>(LegalMoveCount));
   for (const PvEntry &entry : FinalPv) {
-    const int from = entry.Valid ? FromOf(entry.Move) : 0;
-    const int to = entry.Valid ? ToOf(entry.Move) : 0;
+    const int from = FromOf(entry.Move);
+    const int to = ToOf(entry.Move);
     std::fprintf(file, "%d %d %d %d %d %d\n", entry.Valid ? 1 : 0, FileOf(from), RowOf(from), FileOf(to), RowOf(to),
                  PieceCode(entry.Mover));
   }

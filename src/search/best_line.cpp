@@ -38,8 +38,11 @@ PackedMove PvBestMove(int ply) {
 }
 
 void FinalPvClear() {
-  for (PvEntry &entry : FinalPv)
-    entry = {};
+  for (PvEntry &entry : FinalPv) {
+    entry.Key = {};
+    entry.Mover = kNoPiece;
+    entry.Valid = false;
+  }
 }
 
 void FinalPvCopy() {

@@ -28,6 +28,8 @@ void PvStore(int ply, Side side, int from, int to);
 // The first move of the ply's line, kNoMove when it is empty.
 PackedMove PvBestMove(int ply);
 
+// Empties the final line. Hosts are shown the coordinates that an entry held before, so its move stays: only Valid tells
+// whether it counts.
 void FinalPvClear();
 
 // Makes the root's line the final one. Comes after FinalPvClear.
