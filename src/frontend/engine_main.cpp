@@ -93,12 +93,12 @@ void StartEngine() {
 }
 
 int EngineMain(int argc, char **argv) {
+  PrepareStandardStreams();
   if (argc == 1 && !IsStandardInputUsable()) {
     ShowMessageBox("Zorvane C-Engine",
                    "OK, bin da.\n\nZorvane C-Engine wurde gestartet.\nKeine Schachberechnung ausgefuehrt.");
     return kSuccess;
   }
-  PrepareStandardStreams();
   if (argc == 2 && Is(argv[1], "--status"))
     return RunStatus();
   StartEngine();

@@ -7,10 +7,12 @@
 namespace zorvane {
 
 // True when standard input is a file, a pipe or a character device that can
-// be read; false when the process was started without one.
+// be read; false when the process was started without one or with a folder.
 bool IsStandardInputUsable();
 
-// Puts the standard streams into binary mode, so that a line ends in a single
+// Makes a write whose reader has gone, or that a file size limit refuses, an
+// ordinary failed write; by default some systems end the process for it. Puts
+// the standard streams into binary mode, so that a line ends in a single
 // line feed, and standard output into line-buffered mode. Windows knows no
 // line buffering: there a line is out at the next std::fflush at the latest,
 // so whoever prints lines that another program awaits flushes after them.

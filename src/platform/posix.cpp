@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <ctime>
 
 namespace zorvane {
@@ -28,14 +29,18 @@ void *RunWorkerBody(void * /*unused*/) {
 
 bool IsStandardInputUsable() {
   struct stat status {};
-  if (fstat(STDIN_FILENO, &status) != 0) {
+  if (fstat(STDIN_FILENO, &status) != 0 || S_ISDIR(status.st_mode)) {
     return false;
   }
   const int flags = fcntl(STDIN_FILENO, F_GETFL);
   return flags >= 0 && (flags & O_ACCMODE) != O_WRONLY;
 }
 
-void PrepareStandardStreams() { std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ); }
+void PrepareStandardStreams() {
+  signal(SIGPIPE, SIG_IGN);
+  signal(SIGXFSZ, SIG_IGN);
+  std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
+}
 
 void ShowMessageBox(const char *caption, const char *text) { std::fprintf(stderr, "%s\n%s\n", caption, text); }
 
