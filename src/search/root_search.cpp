@@ -172,6 +172,8 @@ bool WinsTie(Pass &pass, const HintValues &hint, int from, int to, int &score, i
       pass.TieSearches >= kTieSearches)
     return false;
   score = SearchRootMove(pass, from, to, -kInfinity, kInfinity);
+  if (ShouldStop())
+    return false;
   ++pass.TieSearches;
   if (score != pass.Best)
     return false;
@@ -246,15 +248,12 @@ bool TryRootMoves(Pass &pass) {
 }
 
 void PublishPass(const Pass &pass) {
-  if (pass.Searched) {
-    StoreTransposition(0);
-    Result.BestScore = pass.Best;
-    Result.BestMove = pass.BestMove;
-    MoveText(Result.BestMoveText, pass.BestMover, FromOf(pass.BestMove), ToOf(pass.BestMove));
-  } else {
-    Result.BestScore = IsInCheck(RootSide) ? MatedScore(RootSide, 0) : 0;
-    BoundedStringFromText(Result.BestMoveText, "---");
-  }
+  if (!pass.Searched)
+    return;
+  StoreTransposition(0);
+  Result.BestScore = pass.Best;
+  Result.BestMove = pass.BestMove;
+  MoveText(Result.BestMoveText, pass.BestMover, FromOf(pass.BestMove), ToOf(pass.BestMove));
 }
 
 } // namespace

@@ -57,6 +57,15 @@ void BeginSearch() {
   ClearHistory();
 }
 
+// The answer of a position without a legal move: mate or a draw. It holds also when a stop leaves no pass over the root.
+void SetResultWithoutMoves() {
+  Result.BestMove = kNoMove;
+  Result.BestScore = IsInCheck(RootSide) ? MatedScore(RootSide, 0) : 0;
+  BoundedStringFromText(Result.BestMoveText, "---");
+  Nodes = 0;
+  LegalMoveCount = 0;
+}
+
 // Deepens until a limit, a stop or a mate; kept takes the result of each finished iteration. Returns all nodes.
 std::int64_t Iterate(SearchResult &kept) {
   std::int64_t total = 0;
@@ -119,6 +128,7 @@ void RunSearch() {
   Deadline = start + TimeLimitSeconds * 1000.0;
   SearchResult kept{};
   if (!(RootSide == kWhite ? FindDefaultMove<kWhite>(kept) : FindDefaultMove<kBlack>(kept))) {
+    SetResultWithoutMoves();
     CurrentDepth = 1;
     SearchRoot();
     ElapsedMs = ProgramClock() - start;
