@@ -126,13 +126,6 @@ template <Side Us> inline Bitboard EnPassantCapturers() {
   return capturers;
 }
 
-// Where a set of pawns may be pushed to, one step and two; checks and pins apart.
-template <Side Us> inline Bitboard SinglePushes(Bitboard pawns) { return Ahead<Us>(pawns) & ~Occupied(); }
-template <Side Us> inline Bitboard DoublePushes(Bitboard singlePushes) {
-  constexpr Bitboard firstStep = Us == kWhite ? RowMask(5) : RowMask(2);
-  return Ahead<Us>(singlePushes & firstStep) & ~Occupied();
-}
-
 // Sets of moves: to-squares by from-square, meaningful for the squares of Froms alone.
 struct MoveSets {
   Bitboard Froms;
@@ -245,14 +238,11 @@ template <Side Us> inline bool HasLegalMoveOf(const KingDanger &danger) {
   return moves.Froms != 0;
 }
 
-// The number of legal moves of Us, each promotion counted as one move.
-template <Side Us> inline int CountLegalMovesOf(const KingDanger &danger) {
-  MoveSets moves;
-  SetLegalMoves<Us>(moves, danger);
-  int count = 0;
-  for (Bitboard froms = moves.Froms; froms != 0;)
-    count += CountSquares(moves.Targets[static_cast<unsigned>(PopSquare(froms))]);
-  return count;
-}
+// The same for a side known only at run time, where nothing is hot.
+void GenerateLegalMoves(MoveSets &moves, Side side);
+bool HasLegalMove(Side side);
+
+// The number of moves in the sets, each promotion counted as one.
+int CountMoves(const MoveSets &moves);
 
 } // namespace zorvane

@@ -60,8 +60,7 @@ bool ApplyUciMove(const char *text) {
     RemovePiece(to);
     PutPiece(to, MakePiece(SideToMove, promotion));
   }
-  SideToMove = RootSide = Opposite(SideToMove);
-  ++GamePly;
+  PassTurn();
   PushGameHistory();
   return true;
 }

@@ -1,16 +1,18 @@
-// The one position of the process, its snapshots, and FEN as the way in.
+// The one position of the process and its snapshots.
 #pragma once
 
 #include <array>
 #include <cstdint>
 
 #include "board/bitboard.h"
+#include "board/plies.h"
 #include "board/square_terms.h"
 #include "board/types.h"
 
 namespace zorvane {
 
-// What is lost of castling, one bit each. A corner's bit says that the rook that started there is gone.
+// Castling rights already lost; a rook's bit is set when that corner's rook moved or was captured. A FEN without a
+// right has the rook's bit, and with neither right of a side its king's as well.
 enum MovedFlag : std::uint8_t {
   kWhiteKingMoved = 1,
   kBlackKingMoved = 2,
@@ -31,17 +33,17 @@ struct alignas(32) BoardState {
   std::uint8_t EnPassantSquare; // where a capturing pawn lands, kNoSquare for none
 };
 
-constexpr int kUndoLevels = 13;
-
-// Written by LoadFen, ApplyUciMove, MakeMove and RestoreState. SideToMove and GamePly do not follow a search,
-// which hands the side down as an argument.
+// The one position of the process. The rules change it, in MakeMove; Perft and whoever looks at an earlier position for
+// a moment put it back by assignment.
 extern BoardState Position;
-extern Side SideToMove;
-extern Side RootSide;        // the side that the next search is for
-extern std::int64_t GamePly; // half-moves of the game
-extern std::array<BoardState, kUndoLevels> UndoStack;
 
-inline constexpr char StartFen[] = "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq - 0 1";
+// Of the game's position. They do not follow a search, which hands the side down as an argument: throughout a search
+// SideToMove is the side that it is for.
+extern Side SideToMove;
+extern std::int64_t GamePly; // half-moves since the initial position; a FEN's move number says how many came before
+
+// Snapshots by ply. SaveState writes them.
+extern std::array<BoardState, kUndoSlots> UndoStack;
 
 inline Piece PieceOn(int square) { return Position.Board[static_cast<unsigned>(square)]; }
 inline Bitboard Occupied() { return Position.BySide[kWhite] | Position.BySide[kBlack]; }
@@ -57,20 +59,21 @@ inline Bitboard Pieces(Side side, PieceType first, PieceType second) {
 inline std::uint32_t BoardHash() { return ReduceHash(kEmptyBoardHash + Position.Sum.Hash); }
 
 // The sum of PlacementTerm, White's minus Black's, and the worth of the rooks, knights, bishops and queens of both.
-inline int PlacementScore() { return PlacementOf(Position.Sum.Scores); }
-inline int MaterialSum() { return MaterialOf(Position.Sum.Scores); }
+inline int PlacementScore() { return UnpackPlacement(Position.Sum.Scores); }
+inline int MaterialSum() { return UnpackMaterial(Position.Sum.Scores); }
 
 // Puts a piece on an empty square, or takes it off; every sum follows.
 void PutPiece(int square, Piece piece);
 void RemovePiece(int square);
 
-// Copies the position to slot level of UndoStack, 0 to 12, and back.
-inline void SaveState(int level) { UndoStack[static_cast<unsigned>(level)] = Position; }
-inline void RestoreState(int level) { Position = UndoStack[static_cast<unsigned>(level)]; }
+// Copies the position to the slot of a ply in UndoStack, 0 to 12, and back.
+inline void SaveState(int ply) { UndoStack[static_cast<unsigned>(ply)] = Position; }
+inline void RestoreState(int ply) { Position = UndoStack[static_cast<unsigned>(ply)]; }
 
-// Takes over the position of a FEN text and starts a new game history with it. False, with nothing changed,
-// when the text is no position. Accepts more than chess allows: pawns on the last ranks, any number of pieces,
-// a side to move that could take the king.
-bool LoadFen(const char *text);
+// Begins a game, or sets a position up, at that ply of the game.
+void StartGame(const BoardState &state, Side side, std::int64_t ply);
+
+// The other side is to move, one half-move later in the game.
+void PassTurn();
 
 } // namespace zorvane

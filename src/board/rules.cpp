@@ -4,13 +4,9 @@ namespace zorvane {
 
 namespace {
 
-// Squares that a pawn of side on from may be pushed to.
 template <Side Us> Bitboard PushTargets(int from) {
-  constexpr Bitboard firstStep = Us == kWhite ? RowMask(5) : RowMask(2);
-  const Bitboard empty = ~Occupied();
-  const Bitboard single = Ahead<Us>(Bit(from)) & empty;
-  const bool onStartRow = RowOf(from) == (Us == kWhite ? 6 : 1);
-  return single | (onStartRow ? Ahead<Us>(single & firstStep) & empty : 0);
+  const Bitboard single = SinglePushes<Us>(Bit(from));
+  return single | DoublePushes<Us>(single);
 }
 
 // The square beside the capturing pawn, whose pawn an en-passant capture takes.

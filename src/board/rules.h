@@ -55,6 +55,13 @@ inline bool IsCaptureMove(int from, int to) {
   return target != kNoPiece ? SideOf(target) != SideOf(PieceOn(from)) : IsEnPassantMove(from, to);
 }
 
+// Where a set of pawns may be pushed to, one step and two; checks and pins apart.
+template <Side Us> inline Bitboard SinglePushes(Bitboard pawns) { return Ahead<Us>(pawns) & ~Occupied(); }
+template <Side Us> inline Bitboard DoublePushes(Bitboard singlePushes) {
+  constexpr Bitboard firstStep = Us == kWhite ? RowMask(5) : RowMask(2);
+  return Ahead<Us>(singlePushes & firstStep) & ~Occupied();
+}
+
 // The moved flag that a rook of side sets by leaving square or by being taken there; 0 off its two corners.
 constexpr std::uint8_t RookCornerFlag(Side side, int square) {
   const int corner = side == kWhite ? MakeSquare(0, 7) : MakeSquare(0, 0);

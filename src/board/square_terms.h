@@ -3,8 +3,8 @@
 
 #include <array>
 
+#include "board/piece_values.h"
 #include "board/types.h"
-#include "evaluation/piece_terms.h"
 
 namespace zorvane {
 
@@ -24,10 +24,10 @@ struct SquareTerm {
 constexpr std::uint64_t PackScores(int material, int placement) {
   return (static_cast<std::uint64_t>(material) << 32) + static_cast<std::uint64_t>(placement);
 }
-constexpr int PlacementOf(std::uint64_t scores) {
+constexpr int UnpackPlacement(std::uint64_t scores) {
   return static_cast<std::int32_t>(static_cast<std::uint32_t>(scores));
 }
-constexpr int MaterialOf(std::uint64_t scores) { return static_cast<int>((scores + (1U << 31)) >> 32); }
+constexpr int UnpackMaterial(std::uint64_t scores) { return static_cast<int>((scores + (1U << 31)) >> 32); }
 
 using SquareTermTable = std::array<std::array<SquareTerm, kSquares>, kPieceLimit>;
 
@@ -41,7 +41,7 @@ constexpr SquareTermTable MakeSquareTerms() {
         const Piece piece = MakePiece(side, type);
         SquareTerm &term = table[piece][static_cast<unsigned>(square)];
         term.Hash = static_cast<std::uint64_t>(PieceCode(piece)) * power % kHashModulus;
-        term.Scores = PackScores(MaterialOf(type), PlacementTerm(side, type, square) * (side == kWhite ? 1 : -1));
+        term.Scores = PackScores(MaterialValue(type), PlacementTerm(side, type, square) * (side == kWhite ? 1 : -1));
       }
     }
     power = power * kHashFactor % kHashModulus;

@@ -49,4 +49,10 @@ constexpr int ToOf(PackedMove move) { return move & 63; }
 
 constexpr int Absolute(int value) { return value < 0 ? -value : value; }
 
+// Steps between two squares by file and row, the Manhattan distance, and the most that they can be.
+constexpr int Distance(int from, int to) {
+  return Absolute(FileOf(from) - FileOf(to)) + Absolute(RowOf(from) - RowOf(to));
+}
+constexpr int kFarthestApart = 14;
+
 } // namespace zorvane

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "evaluation/piece_terms.h"
+#include "board/piece_values.h"
 
 namespace zorvane {
 

@@ -3,14 +3,14 @@
 #include <algorithm>
 
 #include "board/memory_block.h"
+#include "board/piece_values.h"
 #include "board/rules.h"
-#include "evaluation/piece_terms.h"
 
 namespace zorvane {
 
-bool PawnCacheEnabled;
-
 namespace {
+
+bool PawnCacheEnabled = true;
 
 constexpr int kPawnCacheBits = 10;
 constexpr std::size_t kPawnCacheSlots = std::size_t{1} << kPawnCacheBits;
@@ -53,20 +53,20 @@ template <Side Us> constexpr Bitboard PassedPawns(Bitboard pawns, Bitboard enemy
   return pawns & ~(stopped | Beside(stopped));
 }
 
-// The penalty (n - 1) * 12 of a file is spread evenly over its n pawns, so five or seven of them do not have whole
-// terms.
+// A file's penalty, (n - 1) * 12, is spread evenly over its n pawns, which have (n - 1) * 12 / n each. Up to six pawns
+// fit a file of a game. For n of 1, 2, 3, 4, 6 that is a whole number and for 8 it is 10.5, exact in binary: the sum is
+// exact in any order. Fifths and sevenths are not exact.
+constexpr bool IsFractionalCount(int pawnsOnFile) { return pawnsOnFile == 5 || pawnsOnFile == 7; }
 constexpr int kFewestFractional = 5;
 
 bool HasFractionalFile(Bitboard pawns) {
-  for (int file = 0; file < 8; ++file) {
-    const int count = CountSquares(pawns & FileMask(file));
-    if (count == kFewestFractional || count == 7)
+  for (int file = 0; file < 8; ++file)
+    if (IsFractionalCount(CountSquares(pawns & FileMask(file))))
       return true;
-  }
   return false;
 }
 
-// What the pawns of a side are worth beyond their squares.
+// Fills in the fields about the pawns of Us and returns what these are worth beyond their squares.
 template <Side Us> int AddSide(PawnStructure &structure) {
   const Bitboard pawns = structure.Pawns[Us];
   structure.Files[Us] = FillFiles(pawns);
@@ -76,8 +76,8 @@ template <Side Us> int AddSide(PawnStructure &structure) {
 
   const int doubled = CountSquares(pawns) - CountSquares(structure.Files[Us] & kRow0);
   int score = -kDoubledPenalty * doubled - kIsolatedPenalty * CountSquares(pawns & ~Beside(structure.Files[Us]));
-  for (Bitboard rest = structure.Passed[Us]; rest != 0;) {
-    const int square = PopSquare(rest);
+  for (Bitboard passed = structure.Passed[Us]; passed != 0;) {
+    const int square = PopSquare(passed);
     const int rank = RelativeRank(Us, square);
     score += kPassedPerSquaredRank * rank * rank;
     score += Contains(connected, square) ? kConnectedPassed + kSupportedPerRank * rank : 0;
@@ -115,29 +115,29 @@ void WorkOut(PawnStructure &structure, Bitboard whitePawns, Bitboard blackPawns)
   structure.HighestPhaseTerms = static_cast<std::int16_t>(white.Highest - black.Lowest);
 }
 
-// Steps between two squares, counted by file and by row.
-constexpr std::array<std::array<std::int8_t, kSquares>, kSquares> MakeStepTable() {
+constexpr std::array<std::array<std::int8_t, kSquares>, kSquares> MakeDistanceTable() {
   std::array<std::array<std::int8_t, kSquares>, kSquares> table{};
   for (int from = 0; from < kSquares; ++from)
     for (int to = 0; to < kSquares; ++to)
-      table[static_cast<unsigned>(from)][static_cast<unsigned>(to)] =
-          static_cast<std::int8_t>(Absolute(FileOf(from) - FileOf(to)) + Absolute(RowOf(from) - RowOf(to)));
+      table[static_cast<unsigned>(from)][static_cast<unsigned>(to)] = static_cast<std::int8_t>(Distance(from, to));
   return table;
 }
 
-constexpr std::array<std::array<std::int8_t, kSquares>, kSquares> kSteps = MakeStepTable();
+constexpr std::array<std::array<std::int8_t, kSquares>, kSquares> kDistances = MakeDistanceTable();
 
 int PassedEndgameTerm(const Phase &phase, Side side, int square) {
   return phase.PassedEndgameTerm[static_cast<unsigned>(RelativeRank(side, square))];
 }
 
+// The race of the kings to a passed pawn.
 int RaceTerm(const Phase &phase, int square, int ownKing, int enemyKing) {
   const auto place = static_cast<unsigned>(square);
-  const int lead = kSteps[static_cast<unsigned>(enemyKing)][place] - kSteps[static_cast<unsigned>(ownKing)][place];
+  const int lead =
+      kDistances[static_cast<unsigned>(enemyKing)][place] - kDistances[static_cast<unsigned>(ownKing)][place];
   return phase.RaceTerms[static_cast<unsigned>(lead + kFarthestApart)];
 }
 
-int PassedScore(const PawnStructure &structure, const Phase &phase, Side side) {
+int PassedPhaseTerms(const PawnStructure &structure, const Phase &phase, Side side) {
   const int ownKing = FindKingSquare(side);
   const int enemyKing = FindKingSquare(Opposite(side));
   int score = 0;
@@ -162,6 +162,8 @@ PawnStructure &SlotFor(Bitboard whitePawns, Bitboard blackPawns) {
 
 } // namespace
 
+void EnablePawnCache(bool enabled) { PawnCacheEnabled = enabled; }
+
 const PawnStructure &CurrentPawnStructure() {
   const Bitboard whitePawns = Pieces(kWhite, kPawn);
   const Bitboard blackPawns = Pieces(kBlack, kPawn);
@@ -172,10 +174,11 @@ const PawnStructure &CurrentPawnStructure() {
 }
 
 int PawnPhaseScore(const PawnStructure &structure, const Phase &phase) {
-  return structure.CentralPawns * phase.CentralPawnBonus + PassedScore(structure, phase, kWhite) -
-         PassedScore(structure, phase, kBlack);
+  return structure.CentralPawns * phase.CentralPawnBonus + PassedPhaseTerms(structure, phase, kWhite) -
+         PassedPhaseTerms(structure, phase, kBlack);
 }
 
+// Term by term in this very order, as each addition behind the fraction rounds.
 double PawnTerm(const PawnStructure &structure, const Phase &phase, int square) {
   const Side side = SideOf(PieceOn(square));
   const Bitboard own = structure.Pawns[side];
@@ -184,8 +187,7 @@ double PawnTerm(const PawnStructure &structure, const Phase &phase, int square) 
   if (Contains(kCentralSquares, square))
     term += phase.CentralPawnBonus;
   const int sameFile = CountSquares(own & FileMask(FileOf(square)));
-  if (sameFile > 1)
-    term += static_cast<double>((sameFile - 1) * -kDoubledPenalty) / sameFile;
+  term += static_cast<double>((sameFile - 1) * -kDoubledPenalty) / sameFile;
   if ((own & Beside(FileMask(FileOf(square)))) == 0)
     term -= kIsolatedPenalty;
   if (!Contains(structure.Passed[side], square))

@@ -18,11 +18,11 @@ struct alignas(64) PawnStructure {
   std::int16_t CentralPawns;     // pawns that earn CentralPawnBonus, White's minus Black's
   std::int16_t LowestPhaseTerms; // what phase and kings may add to Score, at the least and at the most
   std::int16_t HighestPhaseTerms;
-  bool IsFractional; // five or seven pawns on a file: doubled terms that are no whole numbers
+  bool IsFractional; // five or seven pawns of a side on a file: doubled terms that are inexact fractions
 };
 
-// Request flag 2. With it off nothing is cached, and every value stays the same.
-extern bool PawnCacheEnabled;
+// With false nothing is cached, and every value stays the same. On at program start.
+void EnablePawnCache(bool enabled);
 
 // The structure of the pawns on the board, from the cache or worked out. Good until the next call. Allocates the cache
 // on first use.

@@ -9,7 +9,6 @@
 namespace zorvane {
 
 constexpr int kFullPhase = 6400;
-constexpr int kFarthestApart = 14; // steps from one corner to the other, counted by file and row
 
 // Every piece's material is a multiple of this, so there are few different phases.
 constexpr int kPhaseUnit = 10;

@@ -7,6 +7,7 @@
 
 #include "board/number_text.h"
 #include "board/position.h"
+#include "frontend/search_report.h"
 #include "platform/platform.h"
 #include "search/search_driver.h"
 #include "search/stop_control.h"
@@ -26,6 +27,7 @@ constexpr int kInfinitePollMs = 10;
 bool IsSearchThreadRunning;
 
 // Written before the worker starts.
+SearchLimits Limits;
 bool IsInfiniteSearch;
 
 // The text behind a word of the line, null when the word is not there.
@@ -35,15 +37,14 @@ const char *Behind(const char *line, const char *word) {
 }
 
 // The order of the arguments gives what is no number the shortest time.
-void SetTimeLimitMs(double milliseconds) { TimeLimitSeconds = std::max(kShortestTimeMs, milliseconds) / 1000.0; }
+void SetTimeLimitMs(double milliseconds) { Limits.TimeLimitSeconds = std::max(kShortestTimeMs, milliseconds) / 1000.0; }
 
 void ReadLimits(const char *line) {
-  MaxDepth = kDepthLimit;
-  TimeLimitSeconds = kDefaultTimeLimitSeconds;
+  Limits = {};
   IsInfiniteSearch = false;
   if (const char *depth = Behind(line, " depth ")) {
-    MaxDepth = std::clamp(ParseInteger(depth), 1, kDepthLimit);
-    TimeLimitSeconds = kDepthTimeLimitSeconds;
+    Limits.MaxDepth = std::clamp(ParseInteger(depth), 1, kDepthLimit);
+    Limits.TimeLimitSeconds = kDepthTimeLimitSeconds;
   }
   if (const char *moveTime = Behind(line, " movetime ")) {
     SetTimeLimitMs(std::strtod(moveTime, nullptr));
@@ -52,14 +53,14 @@ void ReadLimits(const char *line) {
     SetTimeLimitMs(std::min(left / kClockShare, left - kClockReserveMs));
   }
   if (Behind(line, " infinite") != nullptr) {
-    TimeLimitSeconds = kInfiniteTimeLimitSeconds;
+    Limits.TimeLimitSeconds = kInfiniteTimeLimitSeconds;
     IsInfiniteSearch = true;
   }
 }
 
 void SearchThreadMain() {
-  RunSearch();
-  while (IsInfiniteSearch && StopFlag.load() == 0)
+  RunSearch(Limits);
+  while (IsInfiniteSearch && !IsStopRequested())
     SleepMilliseconds(kInfinitePollMs);
   PrintSearchResult();
 }
@@ -69,8 +70,7 @@ void SearchThreadMain() {
 void StartSearchThread(const char *goLine) {
   StopSearchThread();
   ReadLimits(goLine);
-  StopFlag.exchange(0);
-  RootSide = SideToMove;
+  ClearStopRequest();
   IsSearchThreadRunning = StartWorker(SearchThreadMain);
   if (!IsSearchThreadRunning)
     std::printf("info string thread creation failed\n");
@@ -79,7 +79,7 @@ void StartSearchThread(const char *goLine) {
 void StopSearchThread() {
   if (!IsSearchThreadRunning)
     return;
-  StopFlag.exchange(1);
+  RequestStop();
   JoinWorker();
   IsSearchThreadRunning = false;
 }

@@ -4,11 +4,11 @@
 #include <algorithm>
 #include <array>
 
+#include "board/plies.h"
 #include "board/types.h"
 
 namespace zorvane {
 
-constexpr int kSearchPlies = 8; // the root and seven levels
 constexpr int kHistoryLimit = 1000000;
 
 // By ply: slot 0 the newer killer, slot 1 the older, kNoMove when empty.

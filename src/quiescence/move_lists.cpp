@@ -2,33 +2,18 @@
 
 #include <algorithm>
 
-#include "evaluation/piece_terms.h"
+#include "board/piece_values.h"
 #include "quiescence/check_targets.h"
+#include "quiescence/killers_history.h"
 
 namespace zorvane {
 
-std::array<MoveList, kSearchPlies> CaptureList;
-std::array<MoveList, kSearchPlies> QuietList;
+std::array<LevelMoveList, kSearchPlies> CaptureList;
+std::array<LevelMoveList, kSearchPlies> QuietList;
 
 namespace {
 
 constexpr int kVictimFactor = 100;
-constexpr int kQuietCheckScore = -1000000;
-
-// Equal scores keep the order in which they came.
-void InsertSorted(MoveList &list, LevelMove move) {
-  if (list.Count == kLevelMoveLimit)
-    return;
-  int place = list.Count++;
-  for (; place > 0 && list.Moves[static_cast<unsigned>(place - 1)].Score < move.Score; --place)
-    list.Moves[static_cast<unsigned>(place)] = list.Moves[static_cast<unsigned>(place - 1)];
-  list.Moves[static_cast<unsigned>(place)] = move;
-}
-
-void Append(MoveList &list, LevelMove move) {
-  if (list.Count < kLevelMoveLimit)
-    list.Moves[static_cast<unsigned>(list.Count++)] = move;
-}
 
 // Quiet moves whose check cannot be read off the to-square: the queen of a promotion, the rook of castling.
 bool IsCompound(PieceType type, int from, int to) {
@@ -37,14 +22,14 @@ bool IsCompound(PieceType type, int from, int to) {
 
 } // namespace
 
-PackedMove NextQuietMove(MoveList &list, int place) {
-  LevelMove *const first = list.Moves.data() + place;
-  LevelMove *const end = list.Moves.data() + list.Count;
-  LevelMove *best = first;
-  for (LevelMove *move = first + 1; move < end; ++move)
+PackedMove NextQuietMove(LevelMoveList &list, int place) {
+  ScoredMove *const first = list.Moves.data() + place;
+  ScoredMove *const end = list.Moves.data() + list.Count;
+  ScoredMove *best = first;
+  for (ScoredMove *move = first + 1; move < end; ++move)
     if (move->Score > best->Score)
       best = move;
-  const LevelMove chosen = *best;
+  const ScoredMove chosen = *best;
   std::move_backward(first, best, best + 1);
   *first = chosen;
   return chosen.Move;
@@ -58,9 +43,9 @@ int MoveOrderScore(int from, int to) {
 
 template <Side Us> void GenerateMoves(int ply) {
   const auto row = static_cast<unsigned>(ply);
-  MoveList &captures = CaptureList[row];
-  MoveList &quiets = QuietList[row];
-  MoveList checksFound;
+  LevelMoveList &captures = CaptureList[row];
+  LevelMoveList &quiets = QuietList[row];
+  LevelMoveList checksFound;
   captures.Count = quiets.Count = checksFound.Count = 0;
 
   const KingDanger danger = FindKingDanger<Us>();
@@ -91,7 +76,7 @@ template void GenerateMoves<kWhite>(int ply);
 template void GenerateMoves<kBlack>(int ply);
 
 bool IsInCaptureList(int ply, PackedMove move) {
-  const MoveList &list = CaptureList[static_cast<unsigned>(ply)];
+  const LevelMoveList &list = CaptureList[static_cast<unsigned>(ply)];
   for (int i = 0; i < list.Count; ++i)
     if (list.Moves[static_cast<unsigned>(i)].Move == move)
       return true;

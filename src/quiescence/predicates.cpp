@@ -2,27 +2,6 @@
 
 namespace zorvane {
 
-namespace {
-
-constexpr Bitboard kLightSquares = 0xAA55AA55AA55AA55U;
-
-} // namespace
-
-bool HasLegalMove(Side side) {
-  return side == kWhite ? HasLegalMoveOf<kWhite>(FindKingDanger<kWhite>())
-                        : HasLegalMoveOf<kBlack>(FindKingDanger<kBlack>());
-}
-
-bool IsDeadMinorEnding() {
-  const Bitboard minors = Pieces(kKnight, kBishop);
-  if (!HasSeveral(minors))
-    return true;
-  const Bitboard white = Pieces(kWhite, kBishop);
-  const Bitboard black = Pieces(kBlack, kBishop);
-  return CountSquares(minors) == 2 && white != 0 && black != 0 &&
-         ((minors & kLightSquares) == minors || (minors & kLightSquares) == 0);
-}
-
 template <Side Us> bool HasPawnForkPush() {
   const Bitboard forks = PawnForkSquares<Us>() & ~Occupied();
   if (forks == 0)
@@ -50,11 +29,8 @@ template <Side Us> bool HasFreshKnightFork(int ply) {
   Bitboard fresh = Pieces(Us, kKnight) & ~(before.BySide[Us] & before.ByType[kKnight - 1]);
   while (fresh != 0) {
     const int knight = PopSquare(fresh);
-    Bitboard attacked = KnightAttacks[static_cast<unsigned>(knight)] & officers;
     Bitboard forked = 0;
-    if (!HasSeveral(attacked) || (attacked & heavy) == 0)
-      continue;
-    while (attacked != 0) {
+    for (Bitboard attacked = KnightAttacks[static_cast<unsigned>(knight)] & officers; attacked != 0;) {
       const int target = PopSquare(attacked);
       if (IsLegalMove(knight, target))
         forked |= Bit(target);

@@ -2,22 +2,8 @@
 #pragma once
 
 #include "board/legal_moves.h"
-#include "board/position_key.h"
 
 namespace zorvane {
-
-constexpr int kFiftyMoveLimit = 100; // half-moves
-
-// True when side has at least one legal move.
-bool HasLegalMove(Side side);
-
-// True when the position, with side to move, has come up twice before in the game and on the line above ply, and side
-// has a legal move.
-inline bool IsRepetitionDraw(Side side, int ply) { return CountRepetitions(side, ply, 2) >= 2 && HasLegalMove(side); }
-
-// True when neither side can mate: no more than one minor piece in all, or a bishop each on squares of one colour.
-bool IsDeadMinorEnding();
-inline bool IsInsufficientMaterial() { return (Pieces(kPawn, kRook) | Pieces(kQueen)) == 0 && IsDeadMinorEnding(); }
 
 // True when side has a legal pawn push onto a square from which the pawn attacks two officers of the enemy.
 template <Side Us> bool HasPawnForkPush();

@@ -2,10 +2,14 @@
 
 #include <algorithm>
 
+#include "board/draw_rules.h"
+#include "board/plies.h"
+#include "evaluation/evaluate.h"
 #include "quiescence/predicates.h"
 #include "quiescence/tactical_moves.h"
-#include "search/search_driver.h"
+#include "search/search_state.h"
 #include "search/stop_control.h"
+#include "search/transposition_table.h"
 
 namespace zorvane {
 
@@ -20,7 +24,6 @@ constexpr int kThreatLimit = 8;
 constexpr int kForkPushLimit = 9;
 constexpr int kFollowUpLimit = 9;
 constexpr int kCheckLimit = 10;
-constexpr int kLastPly = 11;
 
 constexpr int kQuietCheckNodeBudget = 32; // nodes behind quiet moves before new quiet checks end
 constexpr int kQuietLineNodeCap = 64;     // nodes behind quiet moves before depth is cut to 1
@@ -183,14 +186,20 @@ template <Side Us> int QueenTargetOf(const Node &node, int remaining) {
   return wanted ? FindQueenTarget<Us>() : kNoSquare;
 }
 
-// Counts the node and returns the depth that the node counts leave to it.
-int CountNode(int remaining) {
+// Counts the node and returns the depth that the node caps leave to it.
+int CountTowardsCaps(int remaining) {
   int &counter = QuietLineDepth > 0 ? QuietLineNodes : PlainLineNodes;
   const int cap = QuietLineDepth > 0 ? kQuietLineNodeCap : kPlainLineNodeCap;
   const bool capped = counter >= cap;
   ++counter;
-  ++Nodes;
+  CountNode();
   return capped ? std::min(remaining, 1) : remaining;
+}
+
+// The evaluation, as exact as the node's callers can tell.
+int StaticScore(const Node &node) {
+  DisplaceOtherPosition();
+  return Evaluate(node.Range);
 }
 
 // The first pass of a node that need not answer anything; true when the node is cut or the search stopped.
@@ -238,12 +247,12 @@ template <Side Us> int Search(Node &node) {
   } else if (!HasLegalMoveOf<Us>(danger)) {
     return 0;
   }
-  node.Depth = CountNode(remaining);
-  if (Position.HalfmoveClock >= kFiftyMoveLimit || IsInsufficientMaterial())
+  node.Depth = CountTowardsCaps(remaining);
+  if (IsMaterialOrClockDraw())
     return 0;
 
   if (node.Ply >= kLastPly)
-    return EvaluateWithin(node.Range);
+    return StaticScore(node);
   node.Depth = std::max(node.Depth, node.FloorPlies > 0 || inCheck ? 1 : node.Depth);
   node.Best = Us == kWhite ? -kInfinity : kInfinity;
   if (inCheck || node.Forced != kNotForced) {
@@ -252,7 +261,7 @@ template <Side Us> int Search(Node &node) {
     TryMoves<Us, Pass::kOrdinary>(node, moves);
     return node.Best;
   }
-  const bool cut = Improve<Us>(node, EvaluateWithin(node.Range));
+  const bool cut = Improve<Us>(node, StaticScore(node));
   if (!cut && !TryCaptures<Us>(node, moves, danger))
     TryQuietChecks<Us>(node, moves, danger);
   return node.Best;
@@ -260,10 +269,8 @@ template <Side Us> int Search(Node &node) {
 
 } // namespace
 
-void ResetQuiescenceCounters() { QuietLineDepth = QuietLineNodes = PlainLineNodes = 0; }
-
 template <Side Us> int EnterQuiescence(int ply, int alpha, int beta, ScoreRange range) {
-  ResetQuiescenceCounters();
+  QuietLineDepth = QuietLineNodes = PlainLineNodes = 0;
   Node node;
   node.Depth = kEntryDepth;
   node.Ply = ply;

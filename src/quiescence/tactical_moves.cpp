@@ -90,7 +90,7 @@ template <Side Us> void AddBishopManoeuvres(MoveSets &moves, const KingDanger &d
     for (Bitboard targets = reach & diagonals & PinLine(danger, pinned, from); targets != 0;) {
       const int to = PopSquare(targets);
       MakeMoveOf<Us>(from, to);
-      const bool counts = PieceAttacksSquare(to, target) && IsLegalMove(to, target);
+      const bool counts = IsLegalMove(to, target);
       RestoreState(level);
       if (counts)
         AddMoves(moves, from, Bit(to));

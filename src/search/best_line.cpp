@@ -9,7 +9,7 @@ std::array<PvEntry, kFinalPvLength> FinalPv;
 namespace {
 
 // The root and the levels write a row each; the row behind the last level is read, and always empty.
-constexpr unsigned kPvRows = 9;
+constexpr int kPvRows = kSearchPlies + 1;
 
 // Row p is the line seen from ply p: its entry i is the move at ply p + i.
 struct PvRow {
@@ -27,15 +27,12 @@ void PvStore(int ply, Side side, int from, int to) {
   PvRow &row = PvTable[static_cast<unsigned>(ply)];
   const PvRow &next = PvTable[static_cast<unsigned>(ply + 1)];
   row.Entries[0] = {BuildPositionKey(side), PackMove(from, to), PieceOn(from), true};
-  for (unsigned i = 0; i < static_cast<unsigned>(next.Length); ++i)
-    row.Entries[i + 1] = next.Entries[i];
+  for (int i = 0; i < next.Length; ++i)
+    row.Entries[static_cast<unsigned>(i + 1)] = next.Entries[static_cast<unsigned>(i)];
   row.Length = next.Length + 1;
 }
 
-PackedMove PvBestMove(int ply) {
-  const PvRow &row = PvTable[static_cast<unsigned>(ply)];
-  return row.Length > 0 ? row.Entries[0].Move : kNoMove;
-}
+PackedMove PvBestMove(int ply) { return PvTable[static_cast<unsigned>(ply)].Entries[0].Move; }
 
 void FinalPvClear() {
   for (PvEntry &entry : FinalPv) {
@@ -47,15 +44,13 @@ void FinalPvClear() {
 
 void FinalPvCopy() {
   const PvRow &root = PvTable[0];
-  for (unsigned i = 0; i < static_cast<unsigned>(root.Length); ++i)
-    FinalPv[i] = root.Entries[i];
+  for (int i = 0; i < root.Length; ++i)
+    FinalPv[static_cast<unsigned>(i)] = root.Entries[static_cast<unsigned>(i)];
 }
 
-bool PvMoveAtPly(int ply, Side side) {
+PackedMove PvMoveAtPly(int ply, Side side) {
   const PvEntry &entry = FinalPv[static_cast<unsigned>(ply)];
-  if (ply < 1 || !entry.Valid || !(entry.Key == BuildPositionKey(side)))
-    return false;
-  return IsLegalMoveOf(side, entry.Move);
+  return entry.Valid && entry.Key == BuildPositionKey(side) ? entry.Move : kNoMove;
 }
 
 } // namespace zorvane
