@@ -39,8 +39,6 @@ void PrepareStandardStreams() { std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ); }
 
 void ShowMessageBox(const char *caption, const char *text) { std::fprintf(stderr, "%s\n%s\n", caption, text); }
 
-void ReportStartFailure(const char *text) { std::fprintf(stderr, "%s\n", text); }
-
 double PerformanceMilliseconds() {
   timespec now{};
   clock_gettime(CLOCK_MONOTONIC, &now);
