@@ -1,5 +1,7 @@
 #include "board/bitboard.h"
 
+#include "board/magic_factors.h"
+
 namespace zorvane {
 
 namespace {
@@ -86,7 +88,8 @@ constexpr std::array<std::array<std::uint8_t, 8>, 64> RowTable() {
 
 constexpr std::array<std::array<std::uint8_t, 8>, 64> kRowAttacks = RowTable();
 
-// Subtracting the slider from the blockers borrows up to the first of them; mirrored, the same works downwards.
+// Hyperbola quintessence: blockers minus the slider borrows up to the first blocker above it; with the bytes swapped,
+// so that the rows stand upside down, the same finds the first below. No row may hold two squares of the line.
 inline Bitboard LineAttacks(int square, Bitboard occupied, Bitboard line) {
   const Bitboard blockers = occupied & line;
   const Bitboard up = blockers - Bit(square);
@@ -130,9 +133,7 @@ constexpr std::array<std::array<Bitboard, kSquares>, 2> PawnAttacks = PawnTable(
 std::array<std::array<Bitboard, kSquares>, kSquares> Between;
 std::array<std::array<Bitboard, kSquares>, kSquares> Line;
 
-#if defined(__BMI2__)
-
-std::array<SliderIndex, kSquares> SliderIndexes;
+std::array<SliderPair, kSquares> SliderPairs;
 
 namespace {
 
@@ -149,11 +150,25 @@ constexpr Bitboard InnerSquares(int square) {
   return ~(rows | files);
 }
 
-template <typename Compute> Bitboard *FillSlider(Bitboard *next, int square, Bitboard mask, Compute compute) {
-  const unsigned entries = 1U << CountSquares(mask);
-  for (unsigned entry = 0; entry < entries; ++entry)
-    *next++ = compute(square, _pdep_u64(entry, mask));
-  return next;
+// Makes the entry of a slider on square, its sets in the table from next on; returns where the following one begins.
+template <typename Compute>
+Bitboard *FillSlider(SliderEntry &entry, int square, [[maybe_unused]] Bitboard factor, Compute compute,
+                     Bitboard *next) {
+  const Bitboard mask = compute(square, 0) & InnerSquares(square);
+  const int squares = CountSquares(mask);
+  entry.Mask = mask;
+  entry.Attacks = next;
+#if !defined(ZORVANE_PEXT)
+  entry.Factor = factor;
+  entry.Shift = 64 - squares;
+#endif
+  // Subtracting the mask counts in its squares alone, through all of its subsets and back to the empty one.
+  Bitboard occupied = 0;
+  do {
+    next[SliderIndex(entry, occupied)] = compute(square, occupied);
+    occupied = (occupied - mask) & mask;
+  } while (occupied != 0);
+  return next + (1 << squares);
 }
 
 } // namespace
@@ -161,24 +176,12 @@ template <typename Compute> Bitboard *FillSlider(Bitboard *next, int square, Bit
 void InitializeBitboards() {
   Bitboard *next = SliderTable.data();
   for (int square = 0; square < kSquares; ++square) {
-    SliderIndex &index = SliderIndexes[static_cast<unsigned>(square)];
-    index.RookMask = ComputeRookAttacks(square, 0) & InnerSquares(square);
-    index.BishopMask = ComputeBishopAttacks(square, 0) & InnerSquares(square);
-    index.Rook = next;
-    next = FillSlider(next, square, index.RookMask, ComputeRookAttacks);
-    index.Bishop = next;
-    next = FillSlider(next, square, index.BishopMask, ComputeBishopAttacks);
+    const auto index = static_cast<unsigned>(square);
+    SliderPair &pair = SliderPairs[index];
+    next = FillSlider(pair.Rook, square, kRookFactors[index], ComputeRookAttacks, next);
+    next = FillSlider(pair.Bishop, square, kBishopFactors[index], ComputeBishopAttacks, next);
   }
   FillLines();
 }
-
-#else
-
-Bitboard RookAttacks(int square, Bitboard occupied) { return ComputeRookAttacks(square, occupied); }
-Bitboard BishopAttacks(int square, Bitboard occupied) { return ComputeBishopAttacks(square, occupied); }
-
-void InitializeBitboards() { FillLines(); }
-
-#endif
 
 } // namespace zorvane

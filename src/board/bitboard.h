@@ -6,8 +6,9 @@
 
 #include <array>
 #include <bit>
+#include <cstddef>
 
-#if defined(__BMI2__)
+#if defined(ZORVANE_PEXT)
 #include <immintrin.h>
 #endif
 
@@ -59,35 +60,44 @@ extern std::array<std::array<Bitboard, kSquares>, kSquares> Line;
 // Fills the tables that are not constants. Must run once before anything else of the engine.
 void InitializeBitboards();
 
-#if defined(__BMI2__)
-
-// One square's place in the table of slider attacks: the occupied squares under Mask select the entry.
-struct SliderIndex {
-  Bitboard RookMask;
-  Bitboard BishopMask;
-  const Bitboard *Rook;
-  const Bitboard *Bishop;
+// Where the attacks of one slider from one square lie in the table of slider attacks.
+struct SliderEntry {
+  Bitboard Mask; // the inner squares of its lines: whatever stands on others hides nothing
+#if !defined(ZORVANE_PEXT)
+  Bitboard Factor; // a magic number: brings the occupied squares under Mask to the top of the word, packed
+  int Shift;       // from there down to an index
+#endif
+  const Bitboard *Attacks; // a set for each occupation of Mask
 };
 
-extern std::array<SliderIndex, kSquares> SliderIndexes;
+// A rook and a bishop on one square: a cache line with magic numbers, half of one without.
+struct alignas(2 * sizeof(SliderEntry)) SliderPair {
+  SliderEntry Rook;
+  SliderEntry Bishop;
+};
+
+extern std::array<SliderPair, kSquares> SliderPairs;
+
+// Which of the sets of an entry belongs to the occupied squares. Processors that carry out PEXT step by step are
+// quicker with a multiplication, and most others have no PEXT.
+inline std::size_t SliderIndex(const SliderEntry &entry, Bitboard occupied) {
+#if defined(ZORVANE_PEXT)
+  return _pext_u64(occupied, entry.Mask);
+#else
+  return ((occupied & entry.Mask) * entry.Factor) >> entry.Shift;
+#endif
+}
 
 // Squares that a rook or bishop on square bears on: up to and including the first occupied one of each ray.
 inline Bitboard RookAttacks(int square, Bitboard occupied) {
-  const SliderIndex &index = SliderIndexes[static_cast<unsigned>(square)];
-  return index.Rook[_pext_u64(occupied, index.RookMask)];
+  const SliderEntry &entry = SliderPairs[static_cast<unsigned>(square)].Rook;
+  return entry.Attacks[SliderIndex(entry, occupied)];
 }
 
 inline Bitboard BishopAttacks(int square, Bitboard occupied) {
-  const SliderIndex &index = SliderIndexes[static_cast<unsigned>(square)];
-  return index.Bishop[_pext_u64(occupied, index.BishopMask)];
+  const SliderEntry &entry = SliderPairs[static_cast<unsigned>(square)].Bishop;
+  return entry.Attacks[SliderIndex(entry, occupied)];
 }
-
-#else
-
-Bitboard RookAttacks(int square, Bitboard occupied);
-Bitboard BishopAttacks(int square, Bitboard occupied);
-
-#endif
 
 inline Bitboard QueenAttacks(int square, Bitboard occupied) {
   return RookAttacks(square, occupied) | BishopAttacks(square, occupied);
