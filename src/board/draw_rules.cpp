@@ -10,11 +10,11 @@ constexpr Bitboard kLightSquares = 0xAA55AA55AA55AA55U;
 
 bool IsDeadMinorEnding() {
   const Bitboard minors = Pieces(kKnight, kBishop);
-  if (!HasSeveral(minors))
+  if (!MoreThanOne(minors))
     return true;
   const Bitboard white = Pieces(kWhite, kBishop);
   const Bitboard black = Pieces(kBlack, kBishop);
-  return CountSquares(minors) == 2 && white != 0 && black != 0 &&
+  return PopCount(minors) == 2 && white != 0 && black != 0 &&
          ((minors & kLightSquares) == minors || (minors & kLightSquares) == 0);
 }
 

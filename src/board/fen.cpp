@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "board/array.h"
 #include "board/number_text.h"
 #include "board/position_key.h"
 
@@ -16,7 +17,7 @@ constexpr int kHighestLoadedClock = 1000000000;
 
 constexpr char kPieceLetters[] = "PRNBQK prnbqk";
 
-using Placement = std::array<Piece, kSquares>;
+using Placement = Array<Piece, kSquares>;
 
 // The piece of a FEN letter, kNoPiece for any other character.
 Piece PieceOfLetter(char letter) {
@@ -32,7 +33,7 @@ Piece PieceOfLetter(char letter) {
 bool ReadPlacement(const char *text, Placement &placement) {
   int file = 0;
   int row = 0;
-  std::array<int, 2> kings{};
+  Array<int, 2> kings{};
   placement.fill(kNoPiece);
   for (; *text != '\0'; ++text) {
     if (*text == '/') {
@@ -48,7 +49,7 @@ bool ReadPlacement(const char *text, Placement &placement) {
       const Piece piece = PieceOfLetter(*text);
       if (piece == kNoPiece || file > 7)
         return false;
-      placement[static_cast<unsigned>(MakeSquare(file++, row))] = piece;
+      placement[MakeSquare(file++, row)] = piece;
       if (TypeOf(piece) == kKing)
         ++kings[SideOf(piece)];
     }
@@ -73,10 +74,10 @@ std::uint8_t ReadMovedFlags(const char *castling) {
     MovedFlag Rook;
     MovedFlag King;
   };
-  constexpr std::array<Right, 4> rights{{{'K', kWhiteRookHMoved, kWhiteKingMoved},
-                                         {'Q', kWhiteRookAMoved, kWhiteKingMoved},
-                                         {'k', kBlackRookHMoved, kBlackKingMoved},
-                                         {'q', kBlackRookAMoved, kBlackKingMoved}}};
+  constexpr Array<Right, 4> rights{{{'K', kWhiteRookHMoved, kWhiteKingMoved},
+                                    {'Q', kWhiteRookAMoved, kWhiteKingMoved},
+                                    {'k', kBlackRookHMoved, kBlackKingMoved},
+                                    {'q', kBlackRookAMoved, kBlackKingMoved}}};
   unsigned flags = 0;
   for (const Right &right : rights)
     flags |= static_cast<unsigned>(right.Rook | right.King);
@@ -89,12 +90,12 @@ std::uint8_t ReadMovedFlags(const char *castling) {
 } // namespace
 
 bool LoadFen(const char *text) {
-  std::array<char, 100> ranks{};
-  std::array<char, 4> side{};
-  std::array<char, 8> castling{};
-  std::array<char, 8> target{};
+  char ranks[100] = {};
+  char side[4] = {};
+  char castling[8] = {};
+  char target[8] = {};
   int read = 0;
-  if (std::sscanf(text, "%99s %3s %7s %7s%n", ranks.data(), side.data(), castling.data(), target.data(), &read) < 4)
+  if (std::sscanf(text, "%99s %3s %7s %7s%n", ranks, side, castling, target, &read) < 4)
     return false;
 
   // The two counts are optional, the second only counts behind a first one.
@@ -112,22 +113,22 @@ bool LoadFen(const char *text) {
 
   Placement placement{};
   int enPassant = kNoSquare;
-  if (!ReadPlacement(ranks.data(), placement) || clock < 0)
+  if (!ReadPlacement(ranks, placement) || clock < 0)
     return false;
-  if (std::strcmp(side.data(), "w") != 0 && std::strcmp(side.data(), "b") != 0)
+  if (std::strcmp(side, "w") != 0 && std::strcmp(side, "b") != 0)
     return false;
-  if (!ReadEnPassant(target.data(), enPassant))
+  if (!ReadEnPassant(target, enPassant))
     return false;
 
   BoardState empty{};
   empty.HalfmoveClock = std::min(clock, kHighestLoadedClock);
-  empty.MovedFlags = ReadMovedFlags(castling.data());
+  empty.MovedFlags = ReadMovedFlags(castling);
   empty.EnPassantSquare = static_cast<std::uint8_t>(enPassant);
   const Side toMove = side[0] == 'w' ? kWhite : kBlack;
   StartGame(empty, toMove, 2 * static_cast<std::int64_t>(moveNumber) - 2 + (toMove == kBlack ? 1 : 0));
   for (int square = 0; square < kSquares; ++square)
-    if (placement[static_cast<unsigned>(square)] != kNoPiece)
-      PutPiece(square, placement[static_cast<unsigned>(square)]);
+    if (placement[square] != kNoPiece)
+      PutPiece(square, placement[square]);
   StartGameHistory();
   return true;
 }

@@ -4,20 +4,20 @@ namespace zorvane {
 
 void GenerateLegalMoves(MoveSets &moves, Side side) {
   if (side == kWhite)
-    SetLegalMoves<kWhite>(moves, FindKingDanger<kWhite>());
+    GenerateLegalMoves<kWhite>(moves, FindCheckInfo<kWhite>());
   else
-    SetLegalMoves<kBlack>(moves, FindKingDanger<kBlack>());
+    GenerateLegalMoves<kBlack>(moves, FindCheckInfo<kBlack>());
 }
 
 bool HasLegalMove(Side side) {
-  return side == kWhite ? HasLegalMoveOf<kWhite>(FindKingDanger<kWhite>())
-                        : HasLegalMoveOf<kBlack>(FindKingDanger<kBlack>());
+  return side == kWhite ? HasLegalMoveOf<kWhite>(FindCheckInfo<kWhite>())
+                        : HasLegalMoveOf<kBlack>(FindCheckInfo<kBlack>());
 }
 
 int CountMoves(const MoveSets &moves) {
   int count = 0;
   for (Bitboard froms = moves.Froms; froms != 0;)
-    count += CountSquares(moves.Targets[static_cast<unsigned>(PopSquare(froms))]);
+    count += PopCount(moves.Targets[PopLsb(froms)]);
   return count;
 }
 

@@ -1,7 +1,8 @@
 // The numbered heap blocks of the process, with bounds-tested access.
 #pragma once
 
-#include <array>
+#include "board/array.h"
+
 #include <cstddef>
 
 namespace zorvane {
@@ -14,11 +15,9 @@ struct MemoryBlock {
 };
 
 // The two blocks; read them through BlockOf. Written by AllocateBlock alone.
-extern std::array<MemoryBlock, 2> MemoryBlocks;
+extern Array<MemoryBlock, 2> MemoryBlocks;
 
-inline const MemoryBlock &BlockOf(MemoryBlockNumber number) {
-  return MemoryBlocks[static_cast<unsigned>(number - kTranspositionBlock)];
-}
+inline const MemoryBlock &BlockOf(MemoryBlockNumber number) { return MemoryBlocks[number - kTranspositionBlock]; }
 
 // Gives the block length zero bytes at an address that is a multiple of 64, in place of what it had; 0 bytes leave it
 // without memory. When there is no memory the process ends with exit code 2 and no message.

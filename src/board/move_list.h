@@ -1,8 +1,7 @@
 // Lists of moves with scores, of fixed capacity.
 #pragma once
 
-#include <array>
-
+#include "board/array.h"
 #include "board/types.h"
 
 namespace zorvane {
@@ -16,12 +15,12 @@ struct ScoredMove {
 // placements with forty queens can be loaded, and which of their moves are dropped is part of the engine's answers.
 template <int Capacity> struct MoveList {
   int Count;
-  std::array<ScoredMove, static_cast<unsigned>(Capacity)> Moves;
+  Array<ScoredMove, Capacity> Moves;
 };
 
 template <int Capacity> inline void Append(MoveList<Capacity> &list, ScoredMove move) {
   if (list.Count < Capacity)
-    list.Moves[static_cast<unsigned>(list.Count++)] = move;
+    list.Moves[list.Count++] = move;
 }
 
 // Puts the move below all with an equal or greater score, so that equals keep the order in which they came.
@@ -29,9 +28,9 @@ template <int Capacity> inline void InsertSorted(MoveList<Capacity> &list, Score
   if (list.Count == Capacity)
     return;
   int place = list.Count++;
-  for (; place > 0 && list.Moves[static_cast<unsigned>(place - 1)].Score < move.Score; --place)
-    list.Moves[static_cast<unsigned>(place)] = list.Moves[static_cast<unsigned>(place - 1)];
-  list.Moves[static_cast<unsigned>(place)] = move;
+  for (; place > 0 && list.Moves[place - 1].Score < move.Score; --place)
+    list.Moves[place] = list.Moves[place - 1];
+  list.Moves[place] = move;
 }
 
 } // namespace zorvane

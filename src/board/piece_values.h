@@ -2,14 +2,13 @@
 // formulas of centrality and rank. The position keeps the sum of these; the evaluation starts from it.
 #pragma once
 
-#include <array>
-
+#include "board/array.h"
 #include "board/types.h"
 
 namespace zorvane {
 
 // By PieceType, in centipawns. The king's value is for ordering captures alone.
-constexpr std::array<int, kPieceTypes + 1> kPieceValues{0, 100, 500, 320, 330, 900, 1000};
+constexpr Array<int, kPieceTypes + 1> kPieceValues{0, 100, 500, 320, 330, 900, 1000};
 
 constexpr int PieceValue(Piece piece) { return kPieceValues[TypeOf(piece)]; }
 

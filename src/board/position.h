@@ -1,9 +1,9 @@
 // The one position of the process and its snapshots.
 #pragma once
 
-#include <array>
 #include <cstdint>
 
+#include "board/array.h"
 #include "board/bitboard.h"
 #include "board/plies.h"
 #include "board/square_terms.h"
@@ -24,9 +24,9 @@ enum MovedFlag : std::uint8_t {
 
 // All that a move changes. MakeMove keeps every field in step; a snapshot is one copy of 160 bytes.
 struct alignas(32) BoardState {
-  std::array<Bitboard, 2> BySide;
-  std::array<Bitboard, kPieceTypes> ByType; // both sides, at PieceType - 1
-  std::array<Piece, kSquares> Board;
+  Array<Bitboard, 2> BySide;
+  Array<Bitboard, kPieceTypes> ByType; // both sides, at PieceType - 1
+  Array<Piece, kSquares> Board;
   SquareTerm Sum;             // of the terms of all pieces, the hash not reduced
   std::int32_t HalfmoveClock; // half-moves since the last capture or pawn move
   std::uint8_t MovedFlags;
@@ -43,9 +43,9 @@ extern Side SideToMove;
 extern std::int64_t GamePly; // half-moves since the initial position; a FEN's move number says how many came before
 
 // Snapshots by ply. SaveState writes them.
-extern std::array<BoardState, kUndoSlots> UndoStack;
+extern Array<BoardState, kUndoSlots> UndoStack;
 
-inline Piece PieceOn(int square) { return Position.Board[static_cast<unsigned>(square)]; }
+inline Piece PieceOn(int square) { return Position.Board[square]; }
 inline Bitboard Occupied() { return Position.BySide[kWhite] | Position.BySide[kBlack]; }
 inline Bitboard EnPassantSet() { return Position.EnPassantSquare == kNoSquare ? 0 : Bit(Position.EnPassantSquare); }
 inline Bitboard Pieces(PieceType type) { return Position.ByType[type - 1]; }
@@ -67,8 +67,8 @@ void PutPiece(int square, Piece piece);
 void RemovePiece(int square);
 
 // Copies the position to the slot of a ply in UndoStack, 0 to 12, and back.
-inline void SaveState(int ply) { UndoStack[static_cast<unsigned>(ply)] = Position; }
-inline void RestoreState(int ply) { Position = UndoStack[static_cast<unsigned>(ply)]; }
+inline void SaveState(int ply) { UndoStack[ply] = Position; }
+inline void RestoreState(int ply) { Position = UndoStack[ply]; }
 
 // Begins a game, or sets a position up, at that ply of the game.
 void StartGame(const BoardState &state, Side side, std::int64_t ply);

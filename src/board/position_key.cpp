@@ -1,5 +1,6 @@
 #include "board/position_key.h"
 
+#include "board/array.h"
 #include "board/rules.h"
 
 namespace zorvane {
@@ -18,8 +19,8 @@ struct GamePosition {
   std::int16_t Next;
 };
 
-std::array<GamePosition, kGameHistoryLimit> GameHistory;
-std::array<std::int16_t, 1U << kBucketBits> Buckets;
+Array<GamePosition, kGameHistoryLimit> GameHistory;
+Array<std::int16_t, 1U << kBucketBits> Buckets;
 
 std::int16_t &BucketOf(std::uint64_t boardSum) {
   constexpr std::uint64_t spread = 0x9E3779B97F4A7C15U;
@@ -31,17 +32,17 @@ int EffectiveEnPassantSquare(Side side) {
   const int target = Position.EnPassantSquare;
   if (target == kNoSquare)
     return kNoSquare;
-  Bitboard pawns = PawnAttacks[Opposite(side)][static_cast<unsigned>(target)] & Pieces(side, kPawn);
+  Bitboard pawns = PawnAttacks[Opposite(side)][target] & Pieces(side, kPawn);
   while (pawns != 0)
-    if (IsLegalMove(PopSquare(pawns), target))
+    if (IsLegalMove(PopLsb(pawns), target))
       return target;
   return kNoSquare;
 }
 
 int CountInGame(const PositionKey &key) {
   int count = 0;
-  for (int i = BucketOf(Position.Sum.Hash); i != kEndOfBucket; i = GameHistory[static_cast<unsigned>(i)].Next) {
-    const GamePosition &position = GameHistory[static_cast<unsigned>(i)];
+  for (int i = BucketOf(Position.Sum.Hash); i != kEndOfBucket; i = GameHistory[i].Next) {
+    const GamePosition &position = GameHistory[i];
     if (position.BoardSum == Position.Sum.Hash && position.Key == key)
       ++count;
   }
@@ -50,7 +51,7 @@ int CountInGame(const PositionKey &key) {
 
 // The key of the position that UndoStack holds at a level of the running line.
 PositionKey KeyAtLevel(int level, Side side) {
-  const BoardState &state = UndoStack[static_cast<unsigned>(level)];
+  const BoardState &state = UndoStack[level];
   if (state.EnPassantSquare == kNoSquare)
     return MakePositionKey(state, side, kNoSquare);
   const BoardState current = Position;
@@ -74,7 +75,7 @@ void PushGameHistory() {
   if (GameHistoryCount >= kGameHistoryLimit)
     return;
   std::int16_t &bucket = BucketOf(Position.Sum.Hash);
-  GameHistory[static_cast<unsigned>(GameHistoryCount)] = {BuildPositionKey(SideToMove), Position.Sum.Hash, bucket};
+  GameHistory[GameHistoryCount] = {BuildPositionKey(SideToMove), Position.Sum.Hash, bucket};
   bucket = static_cast<std::int16_t>(GameHistoryCount++);
 }
 
@@ -82,7 +83,7 @@ int CountEqualPositions(Side side, int ply) {
   const PositionKey key = BuildPositionKey(side);
   int count = CountInGame(key);
   for (int level = ply - kShortestCycle; level >= 1; level -= 2)
-    if (UndoStack[static_cast<unsigned>(level)].Sum.Hash == Position.Sum.Hash && KeyAtLevel(level, side) == key)
+    if (UndoStack[level].Sum.Hash == Position.Sum.Hash && KeyAtLevel(level, side) == key)
       ++count;
   return count;
 }

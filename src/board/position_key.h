@@ -1,16 +1,15 @@
 // What makes two positions the same, and the positions of the game so far.
 #pragma once
 
-#include <array>
-
+#include "board/array.h"
 #include "board/position.h"
 
 namespace zorvane {
 
 // The whole identity of a position, exact. Two positions are the same when all five words are equal.
 struct PositionKey {
-  std::array<Bitboard, 4> Squares; // three bits of type and one of colour for each square
-  std::uint32_t Rest;              // side to move, moved flags, en-passant square
+  Array<Bitboard, 4> Squares; // three bits of type and one of colour for each square
+  std::uint32_t Rest;         // side to move, moved flags, en-passant square
 
   bool operator==(const PositionKey &other) const {
     return ((Squares[0] ^ other.Squares[0]) | (Squares[1] ^ other.Squares[1]) | (Squares[2] ^ other.Squares[2]) |

@@ -16,7 +16,7 @@ bool IsPseudoLegalPawnMove(int from, int to) {
   const Side us = SideOf(PieceOn(from));
   if (FileOf(from) == FileOf(to))
     return Contains(us == kWhite ? PushTargets<kWhite>(from) : PushTargets<kBlack>(from), to);
-  if (!Contains(PawnAttacks[us][static_cast<unsigned>(from)], to))
+  if (!Contains(PawnAttacks[us][from], to))
     return false;
   if (PieceOn(to) != kNoPiece)
     return true;
@@ -37,26 +37,25 @@ Bitboard PieceAttacks(int from) {
   const Piece piece = PieceOn(from);
   switch (TypeOf(piece)) {
   case kPawn:
-    return PawnAttacks[SideOf(piece)][static_cast<unsigned>(from)];
+    return PawnAttacks[SideOf(piece)][from];
   case kRook:
     return RookAttacks(from, Occupied());
   case kKnight:
-    return KnightAttacks[static_cast<unsigned>(from)];
+    return KnightAttacks[from];
   case kBishop:
     return BishopAttacks(from, Occupied());
   case kQueen:
     return QueenAttacks(from, Occupied());
   case kKing:
-    return KingAttacks[static_cast<unsigned>(from)];
+    return KingAttacks[from];
   default:
     return 0;
   }
 }
 
 Bitboard AttackersTo(int square, Bitboard occupied) {
-  const auto place = static_cast<unsigned>(square);
-  return (PawnAttacks[kBlack][place] & Pieces(kWhite, kPawn)) | (PawnAttacks[kWhite][place] & Pieces(kBlack, kPawn)) |
-         (KnightAttacks[place] & Pieces(kKnight)) | (KingAttacks[place] & Pieces(kKing)) |
+  return (PawnAttacks[kBlack][square] & Pieces(kWhite, kPawn)) | (PawnAttacks[kWhite][square] & Pieces(kBlack, kPawn)) |
+         (KnightAttacks[square] & Pieces(kKnight)) | (KingAttacks[square] & Pieces(kKing)) |
          (RookAttacks(square, occupied) & Pieces(kRook, kQueen)) |
          (BishopAttacks(square, occupied) & Pieces(kBishop, kQueen));
 }

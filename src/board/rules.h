@@ -4,6 +4,7 @@
 // mover's colour is that of the piece on the from-square. The search's own move lists come from legal_moves.h.
 #pragma once
 
+#include "board/array.h"
 #include "board/position.h"
 
 namespace zorvane {
@@ -23,7 +24,7 @@ Bitboard AttackersTo(int square, Bitboard occupied);
 bool IsSquareAttacked(int square, Side bySide);
 
 // The square of the king of a side.
-inline int FindKingSquare(Side side) { return LowestSquare(Pieces(side, kKing)); }
+inline int FindKingSquare(Side side) { return Lsb(Pieces(side, kKing)); }
 
 // True when the king of side is attacked by the other side.
 bool IsInCheck(Side side);
@@ -56,10 +57,10 @@ inline bool IsCaptureMove(int from, int to) {
 }
 
 // Where a set of pawns may be pushed to, one step and two; checks and pins apart.
-template <Side Us> inline Bitboard SinglePushes(Bitboard pawns) { return Ahead<Us>(pawns) & ~Occupied(); }
+template <Side Us> inline Bitboard SinglePushes(Bitboard pawns) { return ShiftForward<Us>(pawns) & ~Occupied(); }
 template <Side Us> inline Bitboard DoublePushes(Bitboard singlePushes) {
   constexpr Bitboard firstStep = Us == kWhite ? RowMask(5) : RowMask(2);
-  return Ahead<Us>(singlePushes & firstStep) & ~Occupied();
+  return ShiftForward<Us>(singlePushes & firstStep) & ~Occupied();
 }
 
 // The moved flag that a rook of side sets by leaving square or by being taken there; 0 off its two corners.
@@ -84,13 +85,13 @@ bool MoveGivesCheck(int level, int from, int to);
 
 // Which flags a piece sets by leaving a square, or by being taken on it: a rook those of its corner, a king that of its
 // side wherever it stands.
-using MovedFlagTable = std::array<std::array<std::uint8_t, kSquares>, kPieceLimit>;
+using MovedFlagTable = Array<Array<std::uint8_t, kSquares>, kPieceLimit>;
 
 constexpr MovedFlagTable MakeMovedFlagTable() {
   MovedFlagTable table{};
-  for (unsigned square = 0; square < kSquares; ++square) {
-    for (const Side side : {kWhite, kBlack}) {
-      table[MakePiece(side, kRook)][square] = RookCornerFlag(side, static_cast<int>(square));
+  for (int square = 0; square < kSquares; ++square) {
+    for (const Side side : kSides) {
+      table[MakePiece(side, kRook)][square] = RookCornerFlag(side, square);
       table[MakePiece(side, kKing)][square] = side == kWhite ? kWhiteKingMoved : kBlackKingMoved;
     }
   }
@@ -104,19 +105,18 @@ template <Side Us> void FinishSpecialMove(PieceType type, int from, int to);
 
 template <Side Us> inline void MakeMoveOf(int from, int to) {
   BoardState &state = Position;
-  const auto place = [](int square) { return static_cast<unsigned>(square); };
-  const Piece piece = state.Board[place(from)];
-  const Piece captured = state.Board[place(to)];
+  const Piece piece = state.Board[from];
+  const Piece captured = state.Board[to];
   const PieceType type = TypeOf(piece);
-  const SquareTerm &left = kSquareTerms[piece][place(from)];
-  const SquareTerm &entered = kSquareTerms[piece][place(to)];
-  const SquareTerm &taken = kSquareTerms[captured][place(to)];
+  const SquareTerm &left = kSquareTerms[piece][from];
+  const SquareTerm &entered = kSquareTerms[piece][to];
+  const SquareTerm &taken = kSquareTerms[captured][to];
   const Bitboard change = Bit(from) | Bit(to);
 
   state.BySide[Us] ^= change;
   state.ByType[type - 1] ^= change;
-  state.Board[place(from)] = kNoPiece;
-  state.Board[place(to)] = piece;
+  state.Board[from] = kNoPiece;
+  state.Board[to] = piece;
   if (captured != kNoPiece) {
     state.BySide[Opposite(Us)] ^= Bit(to);
     state.ByType[TypeOf(captured) - 1] ^= Bit(to);
@@ -125,7 +125,7 @@ template <Side Us> inline void MakeMoveOf(int from, int to) {
   state.Sum.Scores = state.Sum.Scores + entered.Scores - left.Scores - taken.Scores;
   const auto reversible = static_cast<std::int32_t>((captured == kNoPiece) & (type != kPawn));
   state.HalfmoveClock = (state.HalfmoveClock + 1) * reversible;
-  state.MovedFlags |= static_cast<std::uint8_t>(kMovedFlagsBy[piece][place(from)] | kMovedFlagsBy[captured][place(to)]);
+  state.MovedFlags |= static_cast<std::uint8_t>(kMovedFlagsBy[piece][from] | kMovedFlagsBy[captured][to]);
 
   const bool onTarget = to == state.EnPassantSquare && captured == kNoPiece;
   state.EnPassantSquare = kNoSquare;

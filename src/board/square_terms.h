@@ -1,8 +1,7 @@
 // What one piece on one square adds to the sums that MakeMove keeps up to date.
 #pragma once
 
-#include <array>
-
+#include "board/array.h"
 #include "board/piece_values.h"
 #include "board/types.h"
 
@@ -29,17 +28,17 @@ constexpr int UnpackPlacement(std::uint64_t scores) {
 }
 constexpr int UnpackMaterial(std::uint64_t scores) { return static_cast<int>((scores + (1U << 31)) >> 32); }
 
-using SquareTermTable = std::array<std::array<SquareTerm, kSquares>, kPieceLimit>;
+using SquareTermTable = Array<Array<SquareTerm, kSquares>, kPieceLimit>;
 
 constexpr SquareTermTable MakeSquareTerms() {
   SquareTermTable table{};
   std::uint64_t power = 1;
   for (int square = kSquares - 1; square >= 0; --square) {
-    for (const Side side : {kWhite, kBlack}) {
-      for (unsigned number = kPawn; number <= kKing; ++number) {
+    for (const Side side : kSides) {
+      for (int number = kPawn; number <= kKing; ++number) {
         const auto type = static_cast<PieceType>(number);
         const Piece piece = MakePiece(side, type);
-        SquareTerm &term = table[piece][static_cast<unsigned>(square)];
+        SquareTerm &term = table[piece][square];
         term.Hash = static_cast<std::uint64_t>(PieceCode(piece)) * power % kHashModulus;
         term.Scores = PackScores(MaterialValue(type), PlacementTerm(side, type, square) * (side == kWhite ? 1 : -1));
       }

@@ -7,12 +7,14 @@ namespace zorvane {
 
 using Bitboard = std::uint64_t;
 
-enum Side : unsigned { kWhite, kBlack };
+enum Side : int { kWhite, kBlack };
 
-constexpr Side Opposite(Side side) { return static_cast<Side>(side ^ 1U); }
+inline constexpr Side kSides[] = {kWhite, kBlack};
+
+constexpr Side Opposite(Side side) { return static_cast<Side>(side ^ 1); }
 
 // Rook stands before knight, everywhere in the program.
-enum PieceType : unsigned { kNoType, kPawn, kRook, kKnight, kBishop, kQueen, kKing };
+enum PieceType : int { kNoType, kPawn, kRook, kKnight, kBishop, kQueen, kKing };
 
 constexpr int kPieceTypes = 6;
 

@@ -20,7 +20,7 @@ template <Side Us> double TermOn(const PawnStructure &pawns, const Phase &phase,
   if (type == kPawn)
     return PawnTerm(pawns, phase, square);
   if (type == kKing)
-    return kKingConstant + KingPlaceTerm<Us>(phase) - KingAttackPenalty<Us>(phase);
+    return kKingConstant + KingPlacementTerm<Us>(phase) - KingAttackPenalty<Us>(phase);
   return PlacementTerm(Us, type, square) + PieceTerms<Us>(pawns, phase, Bit(square));
 }
 
@@ -29,7 +29,7 @@ template <Side Us> double TermOn(const PawnStructure &pawns, const Phase &phase,
 int SumInScanOrder(const PawnStructure &pawns, const Phase &phase) {
   double score = 0;
   for (Bitboard pieces = Occupied(); pieces != 0;) {
-    const int square = PopSquare(pieces);
+    const int square = PopLsb(pieces);
     if (SideOf(PieceOn(square)) == kWhite)
       score += TermOn<kWhite>(pawns, phase, square);
     else
@@ -54,15 +54,15 @@ int Evaluate(ScoreRange range) {
               MatingDrive();
   const int mostLowering = HighestAttackPenalty<kWhite>(phase);
   const int mostLifting = HighestAttackPenalty<kBlack>(phase);
-  const int highest = score + pawns.HighestPhaseTerms + kKingPlaceSpread + mostLifting;
-  const int lowest = score + pawns.LowestPhaseTerms - kKingPlaceSpread - mostLowering;
+  const int highest = score + pawns.HighestPhaseTerms + kKingPlacementSpread + mostLifting;
+  const int lowest = score + pawns.LowestPhaseTerms - kKingPlacementSpread - mostLowering;
   if (highest <= range.Floor)
     return highest;
   if (lowest >= range.Ceiling)
     return lowest;
 
   // Passed pawns and the kings' places, which need the phase.
-  score += PawnPhaseScore(pawns, phase) + KingPlaceTerm<kWhite>(phase) - KingPlaceTerm<kBlack>(phase);
+  score += PawnPhaseScore(pawns, phase) + KingPlacementTerm<kWhite>(phase) - KingPlacementTerm<kBlack>(phase);
   if (score + mostLifting <= range.Floor)
     return score + mostLifting;
   if (score - mostLowering >= range.Ceiling)

@@ -7,11 +7,11 @@
 namespace zorvane {
 
 // The most that two kings' places can differ in worth.
-constexpr int kKingPlaceSpread = 167;
+constexpr int kKingPlacementSpread = 167;
 
 // What its square and the pawns in front of it give the king of Us, centipawns, unsigned for colour, without the
 // constant that both kings have.
-template <Side Us> int KingPlaceTerm(const Phase &phase);
+template <Side Us> int KingPlacementTerm(const Phase &phase);
 
 // What the attackers around it cost the king of Us: 0 to HighestAttackPenalty.
 template <Side Us> int KingAttackPenalty(const Phase &phase);

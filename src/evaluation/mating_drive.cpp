@@ -22,7 +22,7 @@ template <Side Us> int DriveOf() {
   const int file = FileOf(bare);
   const int row = RowOf(bare);
   const int fromEdge = std::min({file, 7 - file, row, 7 - row});
-  const int moves = CountSquares(KingSteps<bareSide>(bare, kAllSquares));
+  const int moves = PopCount(KingSteps<bareSide>(bare, kAllSquares));
   return (kAllSteps - moves) * kPerMissingMove + (kFarthestFromEdge - fromEdge) * kPerStepToEdge +
          (kFarthestApart - Distance(own, bare)) * kPerStepOfKings;
 }

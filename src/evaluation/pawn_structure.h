@@ -1,8 +1,7 @@
 // The worth of the pawns, and the cache of what depends on the pawns alone.
 #pragma once
 
-#include <array>
-
+#include "board/array.h"
 #include "board/position.h"
 #include "evaluation/phase.h"
 
@@ -11,9 +10,9 @@ namespace zorvane {
 // What one placement of pawns is worth before phase and kings come in. A slot of the PawnCache is one of these; all
 // zero, as it is at first, it is right for a board without pawns.
 struct alignas(64) PawnStructure {
-  std::array<Bitboard, 2> Pawns; // by side; the placement that the other fields are about
-  std::array<Bitboard, 2> Passed;
-  std::array<Bitboard, 2> Files; // all squares of the files that hold pawns of the side
+  Array<Bitboard, 2> Pawns; // by side; the placement that the other fields are about
+  Array<Bitboard, 2> Passed;
+  Array<Bitboard, 2> Files;      // all squares of the files that hold pawns of the side
   std::int32_t Score;            // centipawns beyond the squares' own, White's minus Black's
   std::int16_t CentralPawns;     // pawns that earn CentralPawnBonus, White's minus Black's
   std::int16_t LowestPhaseTerms; // what phase and kings may add to Score, at the least and at the most

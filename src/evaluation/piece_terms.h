@@ -12,16 +12,16 @@ constexpr int kOpenFile = 10;     // more for one without any pawns
 
 // Where a queen pays for having come out early: all but its own first two ranks.
 template <Side Us>
-constexpr Bitboard kSortieSquares = Us == kWhite ? ~(RowMask(7) | RowMask(6)) : ~(RowMask(0) | RowMask(1));
+constexpr Bitboard kQueenSortieSquares = Us == kWhite ? ~(RowMask(7) | RowMask(6)) : ~(RowMask(0) | RowMask(1));
 
 // The terms of those rooks and queens of Us that stand on the squares given: open files and queens out early.
 template <Side Us> inline int PieceTerms(const PawnStructure &pawns, const Phase &phase, Bitboard squares) {
   const Bitboard halfOpen = squares & Pieces(Us, kRook) & ~pawns.Files[Us];
-  const Bitboard sorties = squares & Pieces(Us, kQueen) & kSortieSquares<Us>;
-  return kHalfOpenFile * CountSquares(halfOpen) + kOpenFile * CountSquares(halfOpen & ~pawns.Files[Opposite(Us)]) -
-         phase.QueenSortiePenalty * CountSquares(sorties);
+  const Bitboard sorties = squares & Pieces(Us, kQueen) & kQueenSortieSquares<Us>;
+  return kHalfOpenFile * PopCount(halfOpen) + kOpenFile * PopCount(halfOpen & ~pawns.Files[Opposite(Us)]) -
+         phase.QueenSortiePenalty * PopCount(sorties);
 }
 
-template <Side Us> inline int BishopPairTerm() { return HasSeveral(Pieces(Us, kBishop)) ? kBishopPair : 0; }
+template <Side Us> inline int BishopPairTerm() { return MoreThanOne(Pieces(Us, kBishop)) ? kBishopPair : 0; }
 
 } // namespace zorvane

@@ -2,14 +2,15 @@
 
 #include <algorithm>
 
+#include "board/array.h"
 #include "board/piece_values.h"
-#include "quiescence/check_targets.h"
+#include "quiescence/check_squares.h"
 #include "quiescence/killers_history.h"
 
 namespace zorvane {
 
-std::array<LevelMoveList, kSearchPlies> CaptureList;
-std::array<LevelMoveList, kSearchPlies> QuietList;
+Array<LevelMoveList, kSearchPlies> CaptureList;
+Array<LevelMoveList, kSearchPlies> QuietList;
 
 namespace {
 
@@ -23,8 +24,8 @@ bool IsCompound(PieceType type, int from, int to) {
 } // namespace
 
 PackedMove NextQuietMove(LevelMoveList &list, int place) {
-  ScoredMove *const first = list.Moves.data() + place;
-  ScoredMove *const end = list.Moves.data() + list.Count;
+  ScoredMove *const first = list.Moves.begin() + place;
+  ScoredMove *const end = list.Moves.begin() + list.Count;
   ScoredMove *best = first;
   for (ScoredMove *move = first + 1; move < end; ++move)
     if (move->Score > best->Score)
@@ -42,43 +43,42 @@ int MoveOrderScore(int from, int to) {
 }
 
 template <Side Us> void GenerateMoves(int ply) {
-  const auto row = static_cast<unsigned>(ply);
-  LevelMoveList &captures = CaptureList[row];
-  LevelMoveList &quiets = QuietList[row];
+  LevelMoveList &captures = CaptureList[ply];
+  LevelMoveList &quiets = QuietList[ply];
   LevelMoveList checksFound;
   captures.Count = quiets.Count = checksFound.Count = 0;
 
-  const KingDanger danger = FindKingDanger<Us>();
-  const CheckTargets checks = FindCheckTargets<Us>();
+  const CheckInfo info = FindCheckInfo<Us>();
+  const CheckSquares checks = FindCheckSquares<Us>();
   const Bitboard enemies = Position.BySide[Opposite(Us)];
   MoveSets moves;
-  SetLegalMoves<Us>(moves, danger);
+  GenerateLegalMoves<Us>(moves, info);
   for (Bitboard froms = moves.Froms; froms != 0;) {
-    const int from = PopSquare(froms);
+    const int from = PopLsb(froms);
     const PieceType type = TypeOf(PieceOn(from));
-    const Bitboard checking = CheckingTargets(checks, from, type);
-    for (Bitboard targets = moves.Targets[static_cast<unsigned>(from)]; targets != 0;) {
-      const int to = PopSquare(targets);
+    const Bitboard checking = CheckingTargetsOf(checks, from, type);
+    for (Bitboard targets = moves.Targets[from]; targets != 0;) {
+      const int to = PopLsb(targets);
       const PackedMove move = PackMove(from, to);
       if (Contains(enemies, to) || IsEnPassantMove(from, to))
         InsertSorted(captures, {MoveOrderScore(from, to), move});
       else if (IsCompound(type, from, to) ? MoveGivesCheck(ply, from, to) : Contains(checking, to))
         Append(checksFound, {kQuietCheckScore, move});
       else
-        Append(quiets, {HistoryTable[Us][static_cast<unsigned>(move)], move});
+        Append(quiets, {HistoryTable[Us][move], move});
     }
   }
   for (int i = 0; i < checksFound.Count; ++i)
-    Append(captures, checksFound.Moves[static_cast<unsigned>(i)]);
+    Append(captures, checksFound.Moves[i]);
 }
 
 template void GenerateMoves<kWhite>(int ply);
 template void GenerateMoves<kBlack>(int ply);
 
 bool IsInCaptureList(int ply, PackedMove move) {
-  const LevelMoveList &list = CaptureList[static_cast<unsigned>(ply)];
+  const LevelMoveList &list = CaptureList[ply];
   for (int i = 0; i < list.Count; ++i)
-    if (list.Moves[static_cast<unsigned>(i)].Move == move)
+    if (list.Moves[i].Move == move)
       return true;
   return false;
 }

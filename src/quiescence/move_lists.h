@@ -2,8 +2,7 @@
 // checks, and apart from them the other quiet moves by history.
 #pragma once
 
-#include <array>
-
+#include "board/array.h"
 #include "board/move_list.h"
 #include "board/plies.h"
 
@@ -18,8 +17,8 @@ constexpr int kQuietCheckScore = -1000000;
 
 // By ply, 1 to 7; valid from GenerateMoves of the ply until its level returns. Captures stand in playing order, quiet
 // moves in scan order until NextQuietMove brings them forward.
-extern std::array<LevelMoveList, kSearchPlies> CaptureList;
-extern std::array<LevelMoveList, kSearchPlies> QuietList;
+extern Array<LevelMoveList, kSearchPlies> CaptureList;
+extern Array<LevelMoveList, kSearchPlies> QuietList;
 
 // Fills both lists of the ply with the legal moves of side. History scores are those of this moment.
 template <Side Us> void GenerateMoves(int ply);

@@ -9,13 +9,13 @@ template <Side Us> bool HasPawnForkPush() {
   const Bitboard pawns = Pieces(Us, kPawn) & ~kLastRows;
   const Bitboard single = SinglePushes<Us>(pawns);
   for (Bitboard targets = single & forks; targets != 0;) {
-    const int to = PopSquare(targets);
-    if (IsLegalMove(LowestSquare(Behind<Us>(Bit(to))), to))
+    const int to = PopLsb(targets);
+    if (IsLegalMove(Lsb(ShiftBackward<Us>(Bit(to))), to))
       return true;
   }
   for (Bitboard targets = DoublePushes<Us>(single) & forks; targets != 0;) {
-    const int to = PopSquare(targets);
-    if (IsLegalMove(LowestSquare(Behind<Us>(Behind<Us>(Bit(to)))), to))
+    const int to = PopLsb(targets);
+    if (IsLegalMove(Lsb(ShiftBackward<Us>(ShiftBackward<Us>(Bit(to)))), to))
       return true;
   }
   return false;
@@ -23,19 +23,19 @@ template <Side Us> bool HasPawnForkPush() {
 
 template <Side Us> bool HasFreshKnightFork(int ply) {
   constexpr Side them = Opposite(Us);
-  const BoardState &before = UndoStack[static_cast<unsigned>(ply - 1)];
-  const Bitboard heavy = Pieces(them, kRook, kQueen);
-  const Bitboard officers = heavy | Pieces(them, kKnight, kBishop);
+  const BoardState &before = UndoStack[ply - 1];
+  const Bitboard majors = Pieces(them, kRook, kQueen);
+  const Bitboard pieces = majors | Pieces(them, kKnight, kBishop);
   Bitboard fresh = Pieces(Us, kKnight) & ~(before.BySide[Us] & before.ByType[kKnight - 1]);
   while (fresh != 0) {
-    const int knight = PopSquare(fresh);
+    const int knight = PopLsb(fresh);
     Bitboard forked = 0;
-    for (Bitboard attacked = KnightAttacks[static_cast<unsigned>(knight)] & officers; attacked != 0;) {
-      const int target = PopSquare(attacked);
+    for (Bitboard attacked = KnightAttacks[knight] & pieces; attacked != 0;) {
+      const int target = PopLsb(attacked);
       if (IsLegalMove(knight, target))
         forked |= Bit(target);
     }
-    if (HasSeveral(forked) && (forked & heavy) != 0)
+    if (MoreThanOne(forked) && (forked & majors) != 0)
       return true;
   }
   return false;
@@ -48,7 +48,7 @@ template <Side Us> int FindQueenTarget() {
   const int queen = kSquares - 1 - std::countl_zero(queens);
   Bitboard targets = QueenAttacks(queen, Occupied()) & Pieces(Opposite(Us), kKnight, kBishop);
   while (targets != 0) {
-    const int target = PopSquare(targets);
+    const int target = PopLsb(targets);
     if (IsLegalMove(queen, target))
       return target;
   }

@@ -10,8 +10,8 @@ template <Side Us> bool HasPawnForkPush();
 
 // The squares from which a pawn of Us would attack two enemy rooks, knights, bishops or queens.
 template <Side Us> inline Bitboard PawnForkSquares() {
-  const Bitboard officers = Position.BySide[Opposite(Us)] & ~Pieces(kPawn, kKing);
-  return TowardsA(Behind<Us>(officers)) & TowardsH(Behind<Us>(officers));
+  const Bitboard pieces = Position.BySide[Opposite(Us)] & ~Pieces(kPawn, kKing);
+  return ShiftWest(ShiftBackward<Us>(pieces)) & ShiftEast(ShiftBackward<Us>(pieces));
 }
 
 // True when a knight of Us that has just moved, compared with UndoStack slot ply - 1, can take one of two or more

@@ -139,9 +139,9 @@ template <Side Us, Pass Tried> bool TryMoves(Node &node, const MoveSets &moves) 
     return false;
   SaveState(node.Ply);
   for (Bitboard froms = moves.Froms; froms != 0;) {
-    const int from = PopSquare(froms);
-    for (Bitboard targets = moves.Targets[static_cast<unsigned>(from)]; targets != 0;) {
-      const int to = PopSquare(targets);
+    const int from = PopLsb(froms);
+    for (Bitboard targets = moves.Targets[from]; targets != 0;) {
+      const int to = PopLsb(targets);
       const MoveKind kind = Tried == Pass::kOrdinary      ? kOrdinaryMove
                             : Tried == Pass::kQuietChecks ? kQuietCheck
                                                           : CaptureZoneKind(node, from, to);
@@ -158,7 +158,7 @@ template <Side Us, Pass Tried> bool TryMoves(Node &node, const MoveSets &moves) 
 }
 
 // Threats from the side that has just moved: with one, the node must answer and has no stand-pat.
-template <Side Us> ForcedReply ForcedReplyOf(const Node &node, int remaining) {
+template <Side Us> ForcedReply FindForcedReply(const Node &node, int remaining) {
   constexpr Side them = Opposite(Us);
   // One branch for all three, as none of them is foreseeable.
   if ((node.Forced != kNotForced) | (node.Ply >= kThreatLimit) | (remaining < 2))
@@ -172,7 +172,7 @@ template <Side Us> ForcedReply ForcedReplyOf(const Node &node, int remaining) {
 }
 
 // Quiet checks that a node may play after the budget is used up: the horizon node, and the own move two plies later.
-int ExtraChecksOf(const Node &node) {
+int AllowExtraChecks(const Node &node) {
   if (node.QuietCredit == kEntryCredit && node.Ply == CurrentDepth)
     return kHorizonExtraChecks;
   const bool followsUp = node.QuietCredit == kEntryCredit - 1 && QuietLineDepth > 0 && node.Ply < kFollowUpLimit &&
@@ -180,7 +180,7 @@ int ExtraChecksOf(const Node &node) {
   return followsUp ? kFollowUpExtraChecks : 0;
 }
 
-template <Side Us> int QueenTargetOf(const Node &node, int remaining) {
+template <Side Us> int FindBishopTarget(const Node &node, int remaining) {
   const bool wanted = node.QuietCredit >= 2 && node.Ply < kBishopMoveLimit && (remaining >= 2 || node.FloorPlies > 0) &&
                       QuietLineDepth > 0 && node.Ply == CurrentDepth + 2;
   return wanted ? FindQueenTarget<Us>() : kNoSquare;
@@ -203,23 +203,23 @@ int StaticScore(const Node &node) {
 }
 
 // The first pass of a node that need not answer anything; true when the node is cut or the search stopped.
-template <Side Us> bool TryCaptures(Node &node, MoveSets &moves, const KingDanger &danger) {
+template <Side Us> bool TryCaptures(Node &node, MoveSets &moves, const CheckInfo &info) {
   if (node.Depth > 0) {
-    SetCaptureZoneMoves<Us>(moves, danger, node.QuietCredit > 0 && node.Ply < kForkPushLimit);
+    GenerateCaptureZone<Us>(moves, info, node.QuietCredit > 0 && node.Ply < kForkPushLimit);
     if (node.QueenTarget != kNoSquare)
-      AddBishopManoeuvres<Us>(moves, danger, node.QueenTarget, node.Ply);
+      AddBishopManoeuvres<Us>(moves, info, node.QueenTarget, node.Ply);
     return TryMoves<Us, Pass::kCaptureZone>(node, moves);
   }
-  const Bitboard takenByThem = UndoStack[static_cast<unsigned>(node.Ply - 1)].BySide[Us];
-  SetRecaptures<Us>(moves, danger, takenByThem, node.Ply < kCheckLimit);
+  const Bitboard takenByThem = UndoStack[node.Ply - 1].BySide[Us];
+  GenerateRecaptures<Us>(moves, info, takenByThem, node.Ply < kCheckLimit);
   return TryMoves<Us, Pass::kOrdinary>(node, moves);
 }
 
 // Its second pass.
-template <Side Us> void TryQuietChecks(Node &node, MoveSets &moves, const KingDanger &danger) {
+template <Side Us> void TryQuietChecks(Node &node, MoveSets &moves, const CheckInfo &info) {
   if (node.QuietCredit <= 0 || node.Ply >= kCheckLimit || !MayPlayQuietCheck(node))
     return;
-  SetQuietChecks<Us>(moves, danger, node.Depth > 0, node.Ply);
+  GenerateQuietChecks<Us>(moves, info, node.Depth > 0, node.Ply);
   TryMoves<Us, Pass::kQuietChecks>(node, moves);
 }
 
@@ -227,24 +227,24 @@ template <Side Us> int Search(Node &node) {
   if (PollStop() || IsRepetitionDraw(Us, node.Ply))
     return 0;
   const int remaining = std::min(kLastPly - node.Ply, node.Depth);
-  const KingDanger danger = FindKingDanger<Us>();
-  const bool inCheck = danger.Checkers != 0;
+  const CheckInfo info = FindCheckInfo<Us>();
+  const bool inCheck = info.Checkers != 0;
   node.ExtraChecks = 0;
   node.BishopMoves = 0;
   node.QueenTarget = kNoSquare;
   if (!inCheck) {
-    node.Forced = ForcedReplyOf<Us>(node, remaining);
+    node.Forced = FindForcedReply<Us>(node, remaining);
     if (node.Forced == kNotForced) {
-      node.ExtraChecks = ExtraChecksOf(node);
-      node.QueenTarget = QueenTargetOf<Us>(node, remaining);
+      node.ExtraChecks = AllowExtraChecks(node);
+      node.QueenTarget = FindBishopTarget<Us>(node, remaining);
     }
   }
   MoveSets moves;
   if (inCheck) {
-    SetLegalMoves<Us>(moves, danger);
+    GenerateLegalMoves<Us>(moves, info);
     if (moves.Froms == 0)
       return MatedScore(Us, node.Ply);
-  } else if (!HasLegalMoveOf<Us>(danger)) {
+  } else if (!HasLegalMoveOf<Us>(info)) {
     return 0;
   }
   node.Depth = CountTowardsCaps(remaining);
@@ -257,13 +257,13 @@ template <Side Us> int Search(Node &node) {
   node.Best = Us == kWhite ? -kInfinity : kInfinity;
   if (inCheck || node.Forced != kNotForced) {
     if (!inCheck)
-      SetLegalMoves<Us>(moves, danger);
+      GenerateLegalMoves<Us>(moves, info);
     TryMoves<Us, Pass::kOrdinary>(node, moves);
     return node.Best;
   }
   const bool cut = Improve<Us>(node, StaticScore(node));
-  if (!cut && !TryCaptures<Us>(node, moves, danger))
-    TryQuietChecks<Us>(node, moves, danger);
+  if (!cut && !TryCaptures<Us>(node, moves, info))
+    TryQuietChecks<Us>(node, moves, info);
   return node.Best;
 }
 

@@ -1,10 +1,11 @@
 #include "search/best_line.h"
 
+#include "board/array.h"
 #include "board/rules.h"
 
 namespace zorvane {
 
-std::array<PvEntry, kFinalPvLength> FinalPv;
+Array<PvEntry, kFinalPvLength> FinalPv;
 
 namespace {
 
@@ -14,25 +15,25 @@ constexpr int kPvRows = kSearchPlies + 1;
 // Row p is the line seen from ply p: its entry i is the move at ply p + i.
 struct PvRow {
   int Length;
-  std::array<PvEntry, kPvRows> Entries;
+  Array<PvEntry, kPvRows> Entries;
 };
 
-std::array<PvRow, kPvRows> PvTable;
+Array<PvRow, kPvRows> PvTable;
 
 } // namespace
 
-void PvClearFrom(int ply) { PvTable[static_cast<unsigned>(ply)].Length = 0; }
+void PvClearFrom(int ply) { PvTable[ply].Length = 0; }
 
 void PvStore(int ply, Side side, int from, int to) {
-  PvRow &row = PvTable[static_cast<unsigned>(ply)];
-  const PvRow &next = PvTable[static_cast<unsigned>(ply + 1)];
+  PvRow &row = PvTable[ply];
+  const PvRow &next = PvTable[ply + 1];
   row.Entries[0] = {BuildPositionKey(side), PackMove(from, to), PieceOn(from), true};
   for (int i = 0; i < next.Length; ++i)
-    row.Entries[static_cast<unsigned>(i + 1)] = next.Entries[static_cast<unsigned>(i)];
+    row.Entries[i + 1] = next.Entries[i];
   row.Length = next.Length + 1;
 }
 
-PackedMove PvBestMove(int ply) { return PvTable[static_cast<unsigned>(ply)].Entries[0].Move; }
+PackedMove PvBestMove(int ply) { return PvTable[ply].Entries[0].Move; }
 
 void FinalPvClear() {
   for (PvEntry &entry : FinalPv) {
@@ -45,11 +46,11 @@ void FinalPvClear() {
 void FinalPvCopy() {
   const PvRow &root = PvTable[0];
   for (int i = 0; i < root.Length; ++i)
-    FinalPv[static_cast<unsigned>(i)] = root.Entries[static_cast<unsigned>(i)];
+    FinalPv[i] = root.Entries[i];
 }
 
 PackedMove PvMoveAtPly(int ply, Side side) {
-  const PvEntry &entry = FinalPv[static_cast<unsigned>(ply)];
+  const PvEntry &entry = FinalPv[ply];
   return entry.Valid && entry.Key == BuildPositionKey(side) ? entry.Move : kNoMove;
 }
 

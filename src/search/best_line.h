@@ -1,8 +1,7 @@
 // The best line of the running iteration, collected in the triangular manner, and that of the last finished one.
 #pragma once
 
-#include <array>
-
+#include "board/array.h"
 #include "board/plies.h"
 #include "board/position_key.h"
 
@@ -16,7 +15,7 @@ struct PvEntry {
 };
 
 // The line of the last finished iteration, by ply. Written by FinalPvClear and FinalPvCopy.
-extern std::array<PvEntry, kFinalPvLength> FinalPv;
+extern Array<PvEntry, kFinalPvLength> FinalPv;
 
 // Empties the line of a ply, 0 to kSearchPlies.
 void PvClearFrom(int ply);

@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "board/array.h"
 #include "board/move_text.h"
 #include "board/position.h"
 
@@ -13,7 +14,7 @@ constexpr int kOpeningHintPlies = 16;
 constexpr int kEndgameFewestPieces = 3;
 constexpr int kEndgameMostPieces = 8;
 
-std::array<Hint, kHintLimit> HintList;
+Array<Hint, kHintLimit> HintList;
 int HintCount;
 
 } // namespace
@@ -22,7 +23,7 @@ void ClearHints() { HintCount = 0; }
 
 void AddHint(const Hint &hint) {
   if (!IsHintListFull())
-    HintList[static_cast<unsigned>(HintCount++)] = hint;
+    HintList[HintCount++] = hint;
 }
 
 bool IsHintListFull() { return HintCount == kHintLimit; }
@@ -30,7 +31,7 @@ bool IsHintListFull() { return HintCount == kHintLimit; }
 HintMode ChooseHintMode(bool useHints, bool useEndgameHints) {
   if (!useHints)
     return HintMode::kNone;
-  const int pieces = CountSquares(Occupied());
+  const int pieces = PopCount(Occupied());
   if (useEndgameHints && pieces >= kEndgameFewestPieces && pieces <= kEndgameMostPieces)
     return HintMode::kEndgame;
   return GamePly < kOpeningHintPlies ? HintMode::kOpening : HintMode::kNone;
@@ -45,7 +46,7 @@ HintValues FindHint(HintMode mode, Piece mover, int from, int to) {
   else
     MoveIdTextForPiece(text, mover, from, to);
   for (int i = 0; i < HintCount; ++i) {
-    const Hint &hint = HintList[static_cast<unsigned>(i)];
+    const Hint &hint = HintList[i];
     if (std::strcmp(hint.Text.data(), text.Text.data()) == 0)
       return {hint.Values.Bonus, mode == HintMode::kOpening ? hint.Values.Penalty : 0};
   }

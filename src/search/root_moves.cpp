@@ -26,7 +26,7 @@ int RootOrderScore(int from, int to) {
     return kQuietCheckScore;
   const PackedMove move = PackMove(from, to);
   for (int i = 0; i < PreviousRootResults.Count; ++i) {
-    const ScoredMove &seen = PreviousRootResults.Moves[static_cast<unsigned>(i)];
+    const ScoredMove &seen = PreviousRootResults.Moves[i];
     if (seen.Move == move)
       return std::clamp(seen.Score, -kInfinity, kInfinity) + kSeenQuietOrder;
   }
@@ -48,9 +48,9 @@ void BuildRootMoveList(RootList &list) {
   MoveSets moves;
   GenerateLegalMoves(moves, SideToMove);
   for (Bitboard froms = moves.Froms; froms != 0;) {
-    const int from = PopSquare(froms);
-    for (Bitboard targets = moves.Targets[static_cast<unsigned>(from)]; targets != 0;) {
-      const int to = PopSquare(targets);
+    const int from = PopLsb(froms);
+    for (Bitboard targets = moves.Targets[from]; targets != 0;) {
+      const int to = PopLsb(targets);
       InsertSorted(list, {RootOrderScore(from, to), PackMove(from, to)});
     }
   }

@@ -103,7 +103,7 @@ bool TryRootMoves(RootPass &pass, PackedMove firstMove) {
   if (firstMove != kNoMove && (ShouldStop() || !TryRootMove(pass, firstMove)))
     return false;
   for (int i = 0; i < RootMoveList.Count; ++i) {
-    const PackedMove move = RootMoveList.Moves[static_cast<unsigned>(i)].Move;
+    const PackedMove move = RootMoveList.Moves[i].Move;
     if (ShouldStop())
       return false;
     if (move != firstMove && !TryRootMove(pass, move))

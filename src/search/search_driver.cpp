@@ -27,8 +27,8 @@ void ClearSearchMemory() {
 
 // The first legal move in scan order with the static evaluation: the answer when nothing was searched.
 RootChoice DefaultChoice(const MoveSets &moves) {
-  const int from = LowestSquare(moves.Froms);
-  const int to = LowestSquare(moves.Targets[static_cast<unsigned>(from)]);
+  const int from = Lsb(moves.Froms);
+  const int to = Lsb(moves.Targets[from]);
   DisplaceOtherPosition();
   return {PackMove(from, to), Evaluate(), MoveReason::kScore};
 }

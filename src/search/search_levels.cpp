@@ -1,8 +1,8 @@
 #include "search/search_levels.h"
 
 #include <algorithm>
-#include <array>
 
+#include "board/array.h"
 #include "board/draw_rules.h"
 #include "quiescence/killers_history.h"
 #include "quiescence/move_lists.h"
@@ -104,16 +104,15 @@ template <Side Us> bool IsKillerToTry(const LevelNode &node, PackedMove killer) 
 
 // Walks the stages: first move, captures and quiet checks, killers, other quiet moves.
 template <Side Us> Outcome SearchMoves(LevelNode &node) {
-  const auto row = static_cast<unsigned>(node.Ply);
   const auto search = [&node](PackedMove move) { return SearchMove<Us>(node, move) == Outcome::kFinished; };
-  const LevelMoveList &captures = CaptureList[row];
-  LevelMoveList &quiets = QuietList[row];
-  const std::array<PackedMove, 2> &killers = KillerTable[row];
+  const LevelMoveList &captures = CaptureList[node.Ply];
+  LevelMoveList &quiets = QuietList[node.Ply];
+  const Array<PackedMove, 2> &killers = KillerTable[node.Ply];
 
   if (node.FirstMove != kNoMove && search(node.FirstMove))
     return Outcome::kFinished;
   for (int i = 0; i < captures.Count; ++i) {
-    const PackedMove move = captures.Moves[static_cast<unsigned>(i)].Move;
+    const PackedMove move = captures.Moves[i].Move;
     if (move != node.FirstMove && search(move))
       return Outcome::kFinished;
   }

@@ -1,5 +1,6 @@
 #include "search/transposition_table.h"
 
+#include "board/array.h"
 #include "board/plies.h"
 #include "board/rules.h"
 #include "search/stop_control.h"
@@ -19,7 +20,7 @@ struct PreparedStore {
   std::size_t Slot;
 };
 
-std::array<PreparedStore, kSearchPlies> Prepared;
+Array<PreparedStore, kSearchPlies> Prepared;
 
 } // namespace
 
@@ -38,7 +39,7 @@ void EnableTranspositionMoves(bool enabled) { UseTranspositionMoves = enabled; }
 PackedMove ProbeTransposition(int ply, Side side) {
   if (!UseTranspositionMoves || TranspositionSlots == 0)
     return kNoMove;
-  PreparedStore &prepared = Prepared[static_cast<unsigned>(ply)];
+  PreparedStore &prepared = Prepared[ply];
   prepared = {TranspositionKey(side), SlotIndex()};
   const std::uint16_t stored = StoredMove(prepared.Slot);
   if (stored == 0 || StoredKey(prepared.Slot) != prepared.Key)
@@ -49,7 +50,7 @@ PackedMove ProbeTransposition(int ply, Side side) {
 void StoreTransposition(int ply, PackedMove best) {
   if (!UseTranspositionMoves || TranspositionSlots == 0 || SearchAborted)
     return;
-  const PreparedStore &prepared = Prepared[static_cast<unsigned>(ply)];
+  const PreparedStore &prepared = Prepared[ply];
   StoredKey(prepared.Slot) = prepared.Key;
   StoredMove(prepared.Slot) = static_cast<std::uint16_t>(best + 1);
 }
