@@ -30,14 +30,16 @@ constexpr int PopCount(Bitboard set) { return std::popcount(set); }
 constexpr bool MoreThanOne(Bitboard set) { return (set & (set - 1)) != 0; }
 constexpr bool Contains(Bitboard set, int square) { return ((set >> square) & 1U) != 0; }
 
-// Removes the lowest square of a set that is not empty and returns it.
+// Takes the lowest square out of a set that is not empty, and returns it.
 constexpr int PopLsb(Bitboard &set) {
+  assert(set != 0);
   const int square = std::countr_zero(set);
   set &= set - 1;
   return square;
 }
 
-// One row ahead for pawns of a side.
+// All squares of a set moved one step: in the direction of a side's pawns or against it, towards file a or file h. What
+// would leave the board is dropped.
 template <Side Us> constexpr Bitboard ShiftForward(Bitboard set) { return Us == kWhite ? set >> 8 : set << 8; }
 template <Side Us> constexpr Bitboard ShiftBackward(Bitboard set) { return Us == kWhite ? set << 8 : set >> 8; }
 constexpr Bitboard ShiftWest(Bitboard set) { return (set & ~kFileA) >> 1; }
@@ -88,7 +90,7 @@ inline std::size_t SliderIndex(const SliderEntry &entry, Bitboard occupied) {
 #endif
 }
 
-// Squares that a rook or bishop on square bears on: up to and including the first occupied one of each ray.
+// The squares that a rook or bishop on square attacks: up to and including the first occupied one of each ray.
 inline Bitboard RookAttacks(int square, Bitboard occupied) {
   const SliderEntry &entry = SliderPairs[square].Rook;
   return entry.Attacks[SliderIndex(entry, occupied)];

@@ -1,6 +1,7 @@
 #include "board/fen.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cstdio>
 #include <cstring>
 
@@ -129,6 +130,7 @@ bool LoadFen(const char *text) {
   for (int square = 0; square < kSquares; ++square)
     if (placement[square] != kNoPiece)
       PutPiece(square, placement[square]);
+  assert(PositionIsOk());
   StartGameHistory();
   return true;
 }

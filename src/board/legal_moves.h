@@ -1,6 +1,6 @@
-// The legal moves of a side as sets of to-squares, from one look at what bears on its king.
+// The legal moves of a side as sets of to-squares: from checkers and pins, which are worked out once.
 //
-// Good for every position that LoadFen accepts. Walking the from-squares upwards and each set of to-squares
+// Right for every position that LoadFen accepts. Walking the from-squares upwards and each set of to-squares
 // upwards gives the order in which the engine tries moves.
 #pragma once
 
@@ -9,24 +9,25 @@
 
 namespace zorvane {
 
-// What bears on the own king. Valid until the position changes.
+// What a side's moves have to mind about its king. Valid until the position changes.
 struct CheckInfo {
   int King;
   Bitboard Checkers;
-  Bitboard RookReach;   // what the king sees along rows and files,
-  Bitboard BishopReach; // and along diagonals
+  Bitboard RookReach;   // what a rook on the king's square would attack,
+  Bitboard BishopReach; // and a bishop
 };
 
-// The pieces of the set shields that stand alone between the square and one of the sliders given. rookReach and
-// bishopReach are the attacks from the square.
-inline Bitboard LoneBlockers(int square, Bitboard shields, Bitboard rookReach, Bitboard bishopReach, Bitboard straight,
-                             Bitboard diagonal) {
+// The pieces among candidates that stand alone between the square and a slider of straight (rooks, queens) or diagonal
+// (bishops, queens). rookReach and bishopReach are the attacks of a rook and a bishop on the square.
+inline Bitboard LoneBlockers(int square, Bitboard candidates, Bitboard rookReach, Bitboard bishopReach,
+                             Bitboard straight, Bitboard diagonal) {
+  // With the candidates that are seen taken off, whatever comes into view behind them is a slider or does not matter.
   const Bitboard occupied = Occupied();
-  Bitboard sliders = (RookAttacks(square, occupied & ~(rookReach & shields)) & ~rookReach & straight) |
-                     (BishopAttacks(square, occupied & ~(bishopReach & shields)) & ~bishopReach & diagonal);
+  Bitboard sliders = (RookAttacks(square, occupied & ~(rookReach & candidates)) & ~rookReach & straight) |
+                     (BishopAttacks(square, occupied & ~(bishopReach & candidates)) & ~bishopReach & diagonal);
   Bitboard found = 0;
   while (sliders != 0)
-    found |= Between[square][PopLsb(sliders)] & shields;
+    found |= Between[square][PopLsb(sliders)] & candidates;
   return found;
 }
 
@@ -43,36 +44,37 @@ template <Side Us> inline CheckInfo FindCheckInfo() {
   return info;
 }
 
-// Where a man other than the king may go: all squares, or those that answer the one check.
+// Where pieces other than the king may go: everywhere when there is no check, onto the checker or in front of it when
+// there is one, nowhere when there are two.
 inline Bitboard EvasionTargets(const CheckInfo &info) {
   if (info.Checkers == 0)
     return kAllSquares;
   return MoreThanOne(info.Checkers) ? 0 : info.Checkers | Between[info.King][Lsb(info.Checkers)];
 }
 
-// The own men that may move along the line with their king alone.
+// The own pieces that may move only along the line with their king.
 template <Side Us> inline Bitboard PinnedPieces(const CheckInfo &info) {
   constexpr Side them = Opposite(Us);
   return LoneBlockers(info.King, Position.BySide[Us], info.RookReach, info.BishopReach, Pieces(them, kRook, kQueen),
                       Pieces(them, kBishop, kQueen));
 }
 
-// The line that a man is held to when it is among those pinned, all squares for any other.
+// The squares that a piece may move to as far as pins go: its pin line when it is pinned, else all.
 inline Bitboard PinLine(const CheckInfo &info, Bitboard pinned, int from) {
   return Contains(pinned, from) ? LineThrough[info.King][from] : kAllSquares;
 }
 
-// The king's legal steps among the squares wanted; castling apart.
+// The king's legal steps to the squares wanted, without castling.
 template <Side Us> inline Bitboard KingSteps(int king, Bitboard wanted) {
   constexpr Side them = Opposite(Us);
   wanted &= KingAttacks[king];
   if (wanted == 0)
     return 0;
-  // Whatever is seen for all squares at once saves tests of single ones; those have no branch that could be guessed
-  // wrong.
+  // Take out the squares that pawns and the enemy king attack in bulk, and test the rest one by one for the other
+  // pieces, without a branch that could be mispredicted.
   const Bitboard guarded =
       PawnCaptures<them>(Pieces(them, kPawn)) | KingAttacks[FindKingSquare(them)] | Position.BySide[Us] | Pieces(kKing);
-  const Bitboard occupied = Occupied() & ~Bit(king); // the king does not hide behind itself
+  const Bitboard occupied = Occupied() & ~Bit(king); // a king in check is not safe behind itself
   const Bitboard knights = Pieces(them, kKnight);
   const Bitboard straight = Pieces(them, kRook, kQueen);
   const Bitboard diagonal = Pieces(them, kBishop, kQueen);
@@ -86,8 +88,8 @@ template <Side Us> inline Bitboard KingSteps(int king, Bitboard wanted) {
   return steps;
 }
 
-// True when the king of Us, unmoved and not in check, may castle with the rook of a corner. steps are its legal steps:
-// the square that it passes is among them when it is free and safe.
+// True when the king of Us, which has not moved and is not in check, may castle with the rook of a corner. steps are
+// its legal steps: they tell whether the square that it passes is safe.
 template <Side Us> inline bool MayCastleWith(int corner, Bitboard between, int passed, int target, Bitboard steps) {
   return (Occupied() & between) == 0 && Contains(steps, passed) &&
          (Position.MovedFlags & RookCornerFlag(Us, corner)) == 0 && PieceOn(corner) == MakePiece(Us, kRook) &&
@@ -106,7 +108,7 @@ template <Side Us> inline Bitboard CastlingTargets(const CheckInfo &info, Bitboa
          (MayCastleWith<Us>(home - 4, queenSide, home - 1, home - 2, steps) ? Bit(home - 2) : 0);
 }
 
-// The own pawns that can take en passant, legally.
+// The own pawns that can legally take en passant.
 template <Side Us> inline Bitboard EnPassantCapturers() {
   const int target = Position.EnPassantSquare;
   if (target == kNoSquare)
@@ -121,32 +123,33 @@ template <Side Us> inline Bitboard EnPassantCapturers() {
   return capturers;
 }
 
-// Sets of moves: to-squares by from-square, meaningful for the squares of Froms alone.
+// Moves as sets of to-squares by from-square. Only the entries of the squares in Froms hold anything: the others are
+// never cleared.
 struct MoveSets {
   Bitboard Froms;
   Array<Bitboard, kSquares> Targets;
 };
 
-// The first entry for a from-square; an empty one leaves no trace.
+// Sets the moves of a from-square that has none yet.
 inline void SetTargets(MoveSets &moves, int from, Bitboard targets) {
   moves.Targets[from] = targets;
   moves.Froms |= static_cast<Bitboard>(targets != 0) << from;
 }
 
-// A further entry for a from-square that may have one.
+// Adds moves of a from-square that may have some already.
 inline void AddTargets(MoveSets &moves, int from, Bitboard targets) {
   const Bitboard known = Contains(moves.Froms, from) ? moves.Targets[from] : 0;
   SetTargets(moves, from, known | targets);
 }
 
-// Leaves an entry of Froms only the squares given.
+// Takes out the moves of a square of Froms to other squares than those given.
 inline void RestrictTargets(MoveSets &moves, int from, Bitboard squares) {
   Bitboard &targets = moves.Targets[from];
   targets &= squares;
   moves.Froms ^= static_cast<Bitboard>(targets == 0) << from;
 }
 
-// The squares that each kind of piece may go to.
+// The to-squares that are wanted, by type of piece.
 struct PieceSquares {
   Bitboard Rook;
   Bitboard Knight;
@@ -154,8 +157,8 @@ struct PieceSquares {
   Bitboard Queen;
 };
 
-// Takes out what pins forbid, of moves that have been set without a look at them. Most positions have no move of a man
-// that its king sees, and so no need to know the pins.
+// Restricts pinned pieces to their pin lines. Most positions have no move of a piece that stands on a line with its
+// king, and then the pins need not be known.
 template <Side Us> inline void RestrictPinned(MoveSets &moves, const CheckInfo &info) {
   if ((moves.Froms & (info.RookReach | info.BishopReach)) == 0)
     return;
@@ -165,10 +168,9 @@ template <Side Us> inline void RestrictPinned(MoveSets &moves, const CheckInfo &
   }
 }
 
-// The same squares for each of them.
 inline PieceSquares SameForAll(Bitboard squares) { return {squares, squares, squares, squares}; }
 
-// Moves of rooks, knights, bishops and queens to the squares given; checks and pins apart.
+// Adds the moves of rooks, knights, bishops and queens to the squares given, pins not considered.
 template <Side Us> inline void GeneratePieceMoves(MoveSets &moves, const PieceSquares &squares) {
   const Bitboard occupied = Occupied();
   for (Bitboard rooks = Pieces(Us, kRook); rooks != 0;) {
@@ -189,8 +191,8 @@ template <Side Us> inline void GeneratePieceMoves(MoveSets &moves, const PieceSq
   }
 }
 
-// Moves of pawns: captures among the enemies given and pushes onto the squares given; en passant, checks and pins
-// apart.
+// Adds the moves of pawns: captures among the enemies given and pushes to the squares given, pins and en passant not
+// considered.
 template <Side Us> inline void GeneratePawnMoves(MoveSets &moves, Bitboard enemies, Bitboard pushSquares) {
   const Bitboard pawns = Pieces(Us, kPawn);
   const Bitboard single = SinglePushes<Us>(pawns);
@@ -211,10 +213,10 @@ template <Side Us> inline void GenerateLegalMoves(MoveSets &moves, const CheckIn
   moves.Froms = 0;
   const Bitboard steps = KingSteps<Us>(info.King, kAllSquares);
   SetTargets(moves, info.King, steps | CastlingTargets<Us>(info, steps));
-  const Bitboard resolving = EvasionTargets(info);
-  if (resolving == 0)
+  const Bitboard evasions = EvasionTargets(info);
+  if (evasions == 0)
     return;
-  const Bitboard allowed = resolving & ~Position.BySide[Us] & ~Pieces(kKing);
+  const Bitboard allowed = evasions & ~Position.BySide[Us] & ~Pieces(kKing);
   GeneratePieceMoves<Us>(moves, SameForAll(allowed));
   GeneratePawnMoves<Us>(moves, allowed & Position.BySide[Opposite(Us)], allowed);
   RestrictPinned<Us>(moves, info);
@@ -224,7 +226,7 @@ template <Side Us> inline void GenerateLegalMoves(MoveSets &moves, const CheckIn
 
 // True when Us has a legal move.
 template <Side Us> inline bool HasLegalMoveOf(const CheckInfo &info) {
-  // A man that its king does not see cannot be pinned; a push of such a pawn settles it nearly always.
+  // Nearly always a pawn push answers this: a pawn on no line with its king is not pinned.
   const Bitboard unseen = Pieces(Us, kPawn) & ~(info.RookReach | info.BishopReach);
   if (info.Checkers == 0 && SinglePushes<Us>(unseen) != 0)
     return true;

@@ -3,6 +3,7 @@
 
 #include "board/array.h"
 
+#include <cassert>
 #include <cstddef>
 
 namespace zorvane {
@@ -26,11 +27,13 @@ void AllocateBlock(MemoryBlockNumber number, std::size_t length);
 // Says which access went wrong and ends the process with exit code 2.
 [[noreturn]] void FailMemoryBounds(MemoryBlockNumber number, std::size_t offset, std::size_t width);
 
-// The record of type T at offset bytes into the block; ends the process when it does not lie inside.
+// The record of type T at offset bytes into the block, a multiple of T's alignment; blocks begin at a cache line. Ends
+// the process when the record does not lie inside.
 template <typename T> inline T &RecordAt(MemoryBlockNumber number, std::size_t offset) {
   const MemoryBlock &block = BlockOf(number);
   if (offset + sizeof(T) > block.Length) [[unlikely]]
     FailMemoryBounds(number, offset, sizeof(T));
+  assert(offset % alignof(T) == 0);
   return *reinterpret_cast<T *>(block.Data + offset);
 }
 

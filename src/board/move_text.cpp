@@ -1,6 +1,7 @@
 #include "board/move_text.h"
 
 #include <array>
+#include <cassert>
 #include <cstring>
 
 #include "board/position_key.h"
@@ -60,6 +61,7 @@ bool ApplyUciMove(const char *text) {
     RemovePiece(to);
     PutPiece(to, MakePiece(SideToMove, promotion));
   }
+  assert(PositionIsOk());
   PassTurn();
   PushGameHistory();
   return true;

@@ -1,5 +1,7 @@
 #include "board/perft.h"
 
+#include <cassert>
+
 #include "board/array.h"
 #include "board/legal_moves.h"
 
@@ -59,6 +61,7 @@ template <Side Us> int CountLeaves() {
 
 template <Side Us> std::uint64_t PerftOf(int depth) {
   constexpr Side them = Opposite(Us);
+  assert(depth >= 1 && PositionIsOk());
   if (depth == 1)
     return static_cast<std::uint64_t>(CountLeaves<Us>());
   const CheckInfo info = FindCheckInfo<Us>();

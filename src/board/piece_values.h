@@ -1,5 +1,5 @@
-// What a piece is worth: plain values by type, and the part of its worth that follows from its square alone, by
-// formulas of centrality and rank. The position keeps the sum of these; the evaluation starts from it.
+// Piece values, and what a piece's square adds to them, by formulas of centrality and rank. The position keeps the sum
+// of both; the evaluation starts from it.
 #pragma once
 
 #include "board/array.h"
@@ -34,8 +34,8 @@ constexpr int RankCentrality(int square) { return 7 - Absolute(2 * RowOf(square)
 // What a piece of the type adds to the material sum, from which the game phase follows; pawns and kings add nothing.
 constexpr int MaterialValue(PieceType type) { return type == kPawn || type == kKing ? 0 : kPieceValues[type]; }
 
-// The worth of a pawn, rook, knight, bishop or queen of side on square as far as its square alone decides it, unsigned
-// for colour; 0 for kings, whose terms depend on the phase throughout.
+// The value of a pawn, rook, knight, bishop or queen of side with what its square adds, positive for either side; 0 for
+// kings, whose terms depend on the phase throughout.
 constexpr int PlacementTerm(Side side, PieceType type, int square) {
   const int rank = RelativeRank(side, square);
   const int fileCentrality = FileCentrality(square);

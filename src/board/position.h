@@ -58,17 +58,20 @@ inline Bitboard Pieces(Side side, PieceType first, PieceType second) {
 // The polynomial hash of all squares, below 2^31 - 1.
 inline std::uint32_t BoardHash() { return ReduceHash(kEmptyBoardHash + Position.Sum.Hash); }
 
-// The sum of PlacementTerm, White's minus Black's, and the worth of the rooks, knights, bishops and queens of both.
+// The sum of PlacementTerm, White's minus Black's, and that of MaterialValue, both sides'.
 inline int PlacementScore() { return UnpackPlacement(Position.Sum.Scores); }
 inline int MaterialSum() { return UnpackMaterial(Position.Sum.Scores); }
 
-// Puts a piece on an empty square, or takes it off; every sum follows.
+// Puts a piece on an empty square, or takes one off; sums and sets follow.
 void PutPiece(int square, Piece piece);
 void RemovePiece(int square);
 
 // Copies the position to the slot of a ply in UndoStack, 0 to 12, and back.
 inline void SaveState(int ply) { UndoStack[ply] = Position; }
 inline void RestoreState(int ply) { Position = UndoStack[ply]; }
+
+// True when the board, its sets by side and type, the sums and the kings agree. Slow; for assertions.
+bool PositionIsOk();
 
 // Begins a game, or sets a position up, at that ply of the game.
 void StartGame(const BoardState &state, Side side, std::int64_t ply);

@@ -49,9 +49,9 @@ int CountInGame(const PositionKey &key) {
   return count;
 }
 
-// The key of the position that UndoStack holds at a level of the running line.
-PositionKey KeyAtLevel(int level, Side side) {
-  const BoardState &state = UndoStack[level];
+// The key of the position at an earlier ply of the running line.
+PositionKey KeyAtPly(int ply, Side side) {
+  const BoardState &state = UndoStack[ply];
   if (state.EnPassantSquare == kNoSquare)
     return MakePositionKey(state, side, kNoSquare);
   const BoardState current = Position;
@@ -82,8 +82,8 @@ void PushGameHistory() {
 int CountEqualPositions(Side side, int ply) {
   const PositionKey key = BuildPositionKey(side);
   int count = CountInGame(key);
-  for (int level = ply - kShortestCycle; level >= 1; level -= 2)
-    if (UndoStack[level].Sum.Hash == Position.Sum.Hash && KeyAtLevel(level, side) == key)
+  for (int earlier = ply - kShortestCycle; earlier >= 1; earlier -= 2)
+    if (UndoStack[earlier].Sum.Hash == Position.Sum.Hash && KeyAtPly(earlier, side) == key)
       ++count;
   return count;
 }

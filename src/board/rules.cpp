@@ -23,7 +23,7 @@ bool IsPseudoLegalPawnMove(int from, int to) {
   return to == Position.EnPassantSquare && PieceOn(EnPassantVictim(from, to)) == MakePiece(Opposite(us), kPawn);
 }
 
-// The occupied squares after a move, the rook's step of castling included.
+// The occupied squares after a move, castling's rook included. removed is what the move takes.
 Bitboard OccupiedAfter(int from, int to, Bitboard removed) {
   Bitboard occupied = (Occupied() & ~Bit(from) & ~removed) | Bit(to);
   if (TypeOf(PieceOn(from)) == kKing && Absolute(FileOf(to) - FileOf(from)) == 2)
@@ -128,12 +128,12 @@ template <Side Us> void FinishSpecialMove(PieceType type, int from, int to) {
 template void FinishSpecialMove<kWhite>(PieceType type, int from, int to);
 template void FinishSpecialMove<kBlack>(PieceType type, int from, int to);
 
-bool MoveGivesCheck(int level, int from, int to) {
+bool MoveGivesCheck(int ply, int from, int to) {
   const Side them = Opposite(SideOf(PieceOn(from)));
-  SaveState(level);
+  SaveState(ply);
   MakeMove(from, to);
   const bool check = IsInCheck(them);
-  RestoreState(level);
+  RestoreState(ply);
   return check;
 }
 

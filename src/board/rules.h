@@ -4,19 +4,21 @@
 // mover's colour is that of the piece on the from-square. The search's own move lists come from legal_moves.h.
 #pragma once
 
+#include <cassert>
+
 #include "board/array.h"
 #include "board/position.h"
 
 namespace zorvane {
 
-// The squares that the piece on from bears on, whatever stands there; pins and turns do not matter. A pawn bears on its
-// two capture squares alone.
+// The squares that the piece on from attacks, whatever stands there; pins and whose turn it is do not matter. A pawn
+// attacks its two capture squares.
 Bitboard PieceAttacks(int from);
 
-// True when the piece on from bears on the square to.
+// True when the piece on from attacks the square to.
 inline bool PieceAttacksSquare(int from, int to) { return Contains(PieceAttacks(from), to); }
 
-// All pieces of either side that bear on square when the occupied squares are those given.
+// All pieces of either side that attack the square, with sliders blocked by the occupied squares given.
 Bitboard AttackersTo(int square, Bitboard occupied);
 
 // True when a piece of bySide attacks the square. A piece attacks the first occupied square of a ray, of either
@@ -56,7 +58,7 @@ inline bool IsCaptureMove(int from, int to) {
   return target != kNoPiece ? SideOf(target) != SideOf(PieceOn(from)) : IsEnPassantMove(from, to);
 }
 
-// Where a set of pawns may be pushed to, one step and two; checks and pins apart.
+// Where a set of pawns can be pushed to, one step and two; checks and pins not considered.
 template <Side Us> inline Bitboard SinglePushes(Bitboard pawns) { return ShiftForward<Us>(pawns) & ~Occupied(); }
 template <Side Us> inline Bitboard DoublePushes(Bitboard singlePushes) {
   constexpr Bitboard firstStep = Us == kWhite ? RowMask(5) : RowMask(2);
@@ -80,11 +82,11 @@ void MakeMove(int from, int to);
 // MakeMove for a caller that knows the mover's side.
 template <Side Us> void MakeMoveOf(int from, int to);
 
-// True when the legal move attacks the enemy king, tried on the board through slot level of UndoStack.
-bool MoveGivesCheck(int level, int from, int to);
+// True when the legal move gives check. Makes it and takes it back through the UndoStack slot of ply.
+bool MoveGivesCheck(int ply, int from, int to);
 
-// Which flags a piece sets by leaving a square, or by being taken on it: a rook those of its corner, a king that of its
-// side wherever it stands.
+// The castling rights that are lost when a piece leaves a square or is captured there: a rook's by its corner, a king's
+// wherever it stands.
 using MovedFlagTable = Array<Array<std::uint8_t, kSquares>, kPieceLimit>;
 
 constexpr MovedFlagTable MakeMovedFlagTable() {
@@ -100,7 +102,7 @@ constexpr MovedFlagTable MakeMovedFlagTable() {
 
 inline constexpr MovedFlagTable kMovedFlagsBy = MakeMovedFlagTable();
 
-// What a pawn's double step, en passant, promotion or castling does beyond moving one piece.
+// What a double step, en passant, promotion or castling does beyond moving one piece.
 template <Side Us> void FinishSpecialMove(PieceType type, int from, int to);
 
 template <Side Us> inline void MakeMoveOf(int from, int to) {
@@ -108,6 +110,8 @@ template <Side Us> inline void MakeMoveOf(int from, int to) {
   const Piece piece = state.Board[from];
   const Piece captured = state.Board[to];
   const PieceType type = TypeOf(piece);
+  assert(piece != kNoPiece && SideOf(piece) == Us);
+  assert(captured == kNoPiece || (SideOf(captured) != Us && TypeOf(captured) != kKing));
   const SquareTerm &left = kSquareTerms[piece][from];
   const SquareTerm &entered = kSquareTerms[piece][to];
   const SquareTerm &taken = kSquareTerms[captured][to];

@@ -1,4 +1,4 @@
-// What one piece on one square adds to the sums that MakeMove keeps up to date.
+// What a piece on a square adds to the sums that MakeMove keeps up to date: board hash, material and placement.
 #pragma once
 
 #include "board/array.h"
@@ -18,8 +18,8 @@ struct SquareTerm {
   std::uint64_t Scores; // a PackScores
 };
 
-// Two sums in one word: the material in the upper half, in the lower one the placement, centipawns, negative for Black.
-// Such words are added and taken off as they are.
+// Two sums in one word: material in the upper half; in the lower half placement, negative for Black, so it may borrow
+// from the upper. Such words are added and subtracted as they are.
 constexpr std::uint64_t PackScores(int material, int placement) {
   return (static_cast<std::uint64_t>(material) << 32) + static_cast<std::uint64_t>(placement);
 }

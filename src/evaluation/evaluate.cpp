@@ -1,5 +1,7 @@
 #include "evaluation/evaluate.h"
 
+#include <cassert>
+
 #include "board/piece_values.h"
 #include "evaluation/king_terms.h"
 #include "evaluation/mating_drive.h"
@@ -43,6 +45,7 @@ int SumInScanOrder(const PawnStructure &pawns, const Phase &phase) {
 } // namespace
 
 int Evaluate(ScoreRange range) {
+  assert(range.Floor < range.Ceiling);
   const Phase &phase = CurrentPhase();
   const PawnStructure &pawns = CurrentPawnStructure();
   if (pawns.IsFractional) [[unlikely]]

@@ -11,16 +11,16 @@ namespace {
 
 constexpr int kShieldPawn = 12;
 constexpr int kCastledBonus = 35;
-constexpr int kRankPenalty = -12;
-constexpr int kFilePenalty = -3;
-constexpr int kCentralityBonus = 5;
+constexpr int kRankPenalty = 12;    // in the middlegame, for each rank from the back rank
+constexpr int kFilePenalty = 3;     // and for each point of file centrality
+constexpr int kCentralityBonus = 5; // in the endgame
 constexpr int kFullShield = 3;
 constexpr int kCountedZoneSquares = 3;
 
-// What a piece of each type counts for each of up to three zone squares that it bears on, by PieceType.
+// The weight of each zone square that a piece attacks, of which three count, by PieceType.
 constexpr Array<int, kPieceTypes + 1> kAttackWeights{0, 1, 3, 2, 2, 5, 1};
 
-// What a king's square gives it; everything but the shield and the attackers.
+// What a king's square gives it, and where its shield and its attackers are looked for.
 struct KingSquare {
   std::int16_t Middlegame;
   std::int16_t Endgame;
@@ -36,7 +36,7 @@ template <Side Us> constexpr KingSquare MakeKingSquare(int square) {
   const Bitboard row = WithNeighbours(square);
   const Bitboard first = ShiftForward<Us>(row);
   const Bitboard near = ShiftBackward<Us>(row) | row | first | ShiftForward<Us>(first);
-  return {static_cast<std::int16_t>(kRankPenalty * rank + kFilePenalty * FileCentrality(square) +
+  return {static_cast<std::int16_t>(-kRankPenalty * rank - kFilePenalty * FileCentrality(square) +
                                     (castled ? kCastledBonus : 0)),
           static_cast<std::int16_t>(kCentralityBonus * (FileCentrality(square) + RankCentrality(square))),
           first,
@@ -52,7 +52,7 @@ template <Side Us> constexpr Array<KingSquare, kSquares> MakeKingSquares() {
 
 template <Side Us> constexpr Array<KingSquare, kSquares> kKingSquares = MakeKingSquares<Us>();
 
-// The blend lies between the two wishes, so the outermost of all wishes are the outermost terms.
+// A blend lies between its middlegame and endgame values, so their extremes bound every king's term.
 constexpr int KingPlacementSpread() {
   int lowest = 0;
   int highest = 0;
@@ -68,7 +68,7 @@ static_assert(KingPlacementSpread() == kKingPlacementSpread);
 constexpr int kOneAttacker = 1 << 16;
 constexpr int kLargestZone = 15;
 
-// What a piece adds to the sum, by type and number of zone squares that it bears on.
+// What a piece adds to the sum, by type and number of zone squares that it attacks.
 constexpr Array<Array<int, kLargestZone + 1>, kPieceTypes + 1> MakeZoneTerms() {
   Array<Array<int, kLargestZone + 1>, kPieceTypes + 1> table{};
   for (int type = kPawn; type <= kKing; ++type)
@@ -81,7 +81,7 @@ constexpr Array<Array<int, kLargestZone + 1>, kPieceTypes + 1> kZoneTerms = Make
 
 int ZoneTerm(PieceType type, Bitboard zoneSquares) { return kZoneTerms[type][PopCount(zoneSquares)]; }
 
-// A pawn bears on two squares at most, so all of a side's are counted at once.
+// A pawn attacks two squares at most, fewer than count, so all of a side's are counted at once.
 template <Side Attacker> int PawnZoneTerms(Bitboard zone) {
   const Bitboard pawns = Pieces(Attacker, kPawn);
   const Bitboard towardsA = ShiftWest(ShiftForward<Attacker>(pawns)) & zone;

@@ -67,7 +67,7 @@ bool HasFractionalFile(Bitboard pawns) {
   return false;
 }
 
-// Fills in the fields about the pawns of Us and returns what these are worth beyond their squares.
+// Fills in the fields about the pawns of Us and returns their terms beyond PlacementTerm.
 template <Side Us> int AddSide(PawnStructure &structure) {
   const Bitboard pawns = structure.Pawns[Us];
   structure.Files[Us] = FillFiles(pawns);

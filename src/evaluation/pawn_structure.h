@@ -1,4 +1,4 @@
-// The worth of the pawns, and the cache of what depends on the pawns alone.
+// The terms of the pawns, and the cache of what depends on the pawns alone.
 #pragma once
 
 #include "board/array.h"
@@ -7,13 +7,13 @@
 
 namespace zorvane {
 
-// What one placement of pawns is worth before phase and kings come in. A slot of the PawnCache is one of these; all
-// zero, as it is at first, it is right for a board without pawns.
+// What follows from a placement of pawns alone. A slot of the PawnCache is one of these; all zero, as it is at first,
+// it is right for a board without pawns.
 struct alignas(64) PawnStructure {
   Array<Bitboard, 2> Pawns; // by side; the placement that the other fields are about
   Array<Bitboard, 2> Passed;
   Array<Bitboard, 2> Files;      // all squares of the files that hold pawns of the side
-  std::int32_t Score;            // centipawns beyond the squares' own, White's minus Black's
+  std::int32_t Score;            // centipawns beyond PlacementTerm, White's minus Black's
   std::int16_t CentralPawns;     // pawns that earn CentralPawnBonus, White's minus Black's
   std::int16_t LowestPhaseTerms; // what phase and kings may add to Score, at the least and at the most
   std::int16_t HighestPhaseTerms;

@@ -1,7 +1,7 @@
-// Which moves attack the enemy king: the squares that each type of piece checks from, and the pieces that uncover a
-// check by leaving their line.
+// Which moves give check: the squares from which each type of piece does, and the pieces that uncover a check by
+// leaving a line.
 //
-// Holds for positions of a search, where the enemy king is not attacked before the move.
+// Where the enemy king is attacked already, which a loaded position may show, no move is needed to uncover that attack.
 #pragma once
 
 #include "board/array.h"
@@ -11,8 +11,8 @@ namespace zorvane {
 
 struct CheckSquares {
   int EnemyKing;
-  Array<Bitboard, kPieceTypes + 1> From; // by PieceType; a king never gives check itself
-  Bitboard Discoverers;
+  Array<Bitboard, kPieceTypes + 1> From; // by PieceType; none for a king
+  Bitboard Discoverers;                  // alone between the enemy king and a slider
 };
 
 template <Side Us> inline CheckSquares FindCheckSquares() {

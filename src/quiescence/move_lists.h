@@ -27,7 +27,7 @@ template <Side Us> void GenerateMoves(int ply);
 // nodes are cut before they need many, so the list is not sorted beforehand.
 PackedMove NextQuietMove(LevelMoveList &list, int place);
 
-// The ordering score of a capture: worth of the victim before worth of the capturer.
+// The ordering score of a capture: the most valuable victim first, then the least valuable attacker.
 int MoveOrderScore(int from, int to);
 
 // True when the move stands in CaptureList of the ply.

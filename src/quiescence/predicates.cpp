@@ -1,5 +1,7 @@
 #include "quiescence/predicates.h"
 
+#include <cassert>
+
 namespace zorvane {
 
 template <Side Us> bool HasPawnForkPush() {
@@ -22,6 +24,7 @@ template <Side Us> bool HasPawnForkPush() {
 }
 
 template <Side Us> bool HasFreshKnightFork(int ply) {
+  assert(ply >= 1);
   constexpr Side them = Opposite(Us);
   const BoardState &before = UndoStack[ply - 1];
   const Bitboard majors = Pieces(them, kRook, kQueen);

@@ -28,7 +28,7 @@ void KeepRecapturesAndChecks(MoveSets &moves, Bitboard retaken, const CheckSquar
   }
 }
 
-// Adds the moves to squares of wanted by which a piece uncovers a check; pawns have a wish of their own.
+// Adds the moves by which a piece uncovers a check: to squares of wanted, or for pawns to those of wantedOfPawns.
 template <Side Us>
 void AddDiscoveries(MoveSets &moves, const CheckInfo &info, const CheckSquares &checks, Bitboard wanted,
                     Bitboard wantedOfPawns) {
@@ -47,25 +47,24 @@ void AddDiscoveries(MoveSets &moves, const CheckInfo &info, const CheckSquares &
 }
 
 // En-passant captures that give check, tried when the pawn gives it or uncovers it.
-template <Side Us> void AddEnPassantChecks(MoveSets &moves, const CheckSquares &checks, int level) {
+template <Side Us> void AddEnPassantChecks(MoveSets &moves, const CheckSquares &checks, int ply) {
   const int to = Position.EnPassantSquare;
   for (Bitboard pawns = EnPassantCapturers<Us>(); pawns != 0;) {
     const int from = PopLsb(pawns);
     const bool mayCheck = Contains(checks.From[kPawn], to) || Contains(checks.Discoverers, from);
-    if (mayCheck && MoveGivesCheck(level, from, to))
+    if (mayCheck && MoveGivesCheck(ply, from, to))
       AddTargets(moves, from, Bit(to));
   }
 }
 
 // Castling that gives check, tried when the king uncovers a line; a check by the rook alone is not looked for.
-template <Side Us>
-void AddCastlingChecks(MoveSets &moves, const CheckInfo &info, const CheckSquares &checks, int level) {
+template <Side Us> void AddCastlingChecks(MoveSets &moves, const CheckInfo &info, const CheckSquares &checks, int ply) {
   if (!Contains(checks.Discoverers, info.King))
     return;
   const Bitboard steps = KingSteps<Us>(info.King, kAllSquares);
   for (Bitboard targets = CastlingTargets<Us>(info, steps); targets != 0;) {
     const int to = PopLsb(targets);
-    if (MoveGivesCheck(level, info.King, to))
+    if (MoveGivesCheck(ply, info.King, to))
       AddTargets(moves, info.King, Bit(to));
   }
 }
@@ -78,10 +77,10 @@ template <Side Us> void GenerateCaptureZone(MoveSets &moves, const CheckInfo &in
     AddTargets(moves, PopLsb(pawns), EnPassantSet());
 }
 
-template <Side Us> void AddBishopManoeuvres(MoveSets &moves, const CheckInfo &info, int target, int level) {
+template <Side Us> void AddBishopManoeuvres(MoveSets &moves, const CheckInfo &info, int target, int ply) {
   const Bitboard diagonals = BishopAttacks(target, 0) & ~Occupied();
   const Bitboard pinned = PinnedPieces<Us>(info);
-  SaveState(level);
+  SaveState(ply);
   for (Bitboard bishops = Pieces(Us, kBishop); bishops != 0;) {
     const int from = PopLsb(bishops);
     const Bitboard reach = BishopAttacks(from, Occupied());
@@ -91,7 +90,7 @@ template <Side Us> void AddBishopManoeuvres(MoveSets &moves, const CheckInfo &in
       const int to = PopLsb(targets);
       MakeMoveOf<Us>(from, to);
       const bool counts = IsLegalMove(to, target);
-      RestoreState(level);
+      RestoreState(ply);
       if (counts)
         AddTargets(moves, from, Bit(to));
     }
@@ -107,7 +106,7 @@ template <Side Us> void GenerateRecaptures(MoveSets &moves, const CheckInfo &inf
     KeepRecapturesAndChecks(moves, retaken, FindCheckSquares<Us>());
 }
 
-template <Side Us> void GenerateQuietChecks(MoveSets &moves, const CheckInfo &info, bool behindCaptureZone, int level) {
+template <Side Us> void GenerateQuietChecks(MoveSets &moves, const CheckInfo &info, bool behindCaptureZone, int ply) {
   const Bitboard empty = ~Occupied();
   const CheckSquares checks = FindCheckSquares<Us>();
   const auto from = [&](PieceType type) { return empty & checks.From[type]; };
@@ -116,18 +115,18 @@ template <Side Us> void GenerateQuietChecks(MoveSets &moves, const CheckInfo &in
   GeneratePawnMoves<Us>(moves, 0, from(kPawn));
   RestrictPinned<Us>(moves, info);
   AddDiscoveries<Us>(moves, info, checks, empty, empty & ~EnPassantSet() & ~(behindCaptureZone ? kLastRows : 0));
-  AddCastlingChecks<Us>(moves, info, checks, level);
+  AddCastlingChecks<Us>(moves, info, checks, ply);
   if (!behindCaptureZone)
-    AddEnPassantChecks<Us>(moves, checks, level);
+    AddEnPassantChecks<Us>(moves, checks, ply);
 }
 
 template void GenerateCaptureZone<kWhite>(MoveSets &moves, const CheckInfo &info, bool withForkPushes);
 template void GenerateCaptureZone<kBlack>(MoveSets &moves, const CheckInfo &info, bool withForkPushes);
-template void AddBishopManoeuvres<kWhite>(MoveSets &moves, const CheckInfo &info, int target, int level);
-template void AddBishopManoeuvres<kBlack>(MoveSets &moves, const CheckInfo &info, int target, int level);
+template void AddBishopManoeuvres<kWhite>(MoveSets &moves, const CheckInfo &info, int target, int ply);
+template void AddBishopManoeuvres<kBlack>(MoveSets &moves, const CheckInfo &info, int target, int ply);
 template void GenerateRecaptures<kWhite>(MoveSets &moves, const CheckInfo &info, Bitboard retaken, bool withChecks);
 template void GenerateRecaptures<kBlack>(MoveSets &moves, const CheckInfo &info, Bitboard retaken, bool withChecks);
-template void GenerateQuietChecks<kWhite>(MoveSets &moves, const CheckInfo &info, bool behindCaptureZone, int level);
-template void GenerateQuietChecks<kBlack>(MoveSets &moves, const CheckInfo &info, bool behindCaptureZone, int level);
+template void GenerateQuietChecks<kWhite>(MoveSets &moves, const CheckInfo &info, bool behindCaptureZone, int ply);
+template void GenerateQuietChecks<kBlack>(MoveSets &moves, const CheckInfo &info, bool behindCaptureZone, int ply);
 
 } // namespace zorvane

@@ -1,5 +1,7 @@
 #include "search/best_line.h"
 
+#include <cassert>
+
 #include "board/array.h"
 #include "board/rules.h"
 
@@ -25,6 +27,7 @@ Array<PvRow, kPvRows> PvTable;
 void PvClearFrom(int ply) { PvTable[ply].Length = 0; }
 
 void PvStore(int ply, Side side, int from, int to) {
+  assert(ply >= 0 && ply < kSearchPlies && IsLegalMoveOf(side, PackMove(from, to)));
   PvRow &row = PvTable[ply];
   const PvRow &next = PvTable[ply + 1];
   row.Entries[0] = {BuildPositionKey(side), PackMove(from, to), PieceOn(from), true};
@@ -33,7 +36,10 @@ void PvStore(int ply, Side side, int from, int to) {
   row.Length = next.Length + 1;
 }
 
-PackedMove PvBestMove(int ply) { return PvTable[ply].Entries[0].Move; }
+PackedMove PvBestMove(int ply) {
+  assert(PvTable[ply].Length > 0);
+  return PvTable[ply].Entries[0].Move;
+}
 
 void FinalPvClear() {
   for (PvEntry &entry : FinalPv) {
@@ -51,7 +57,10 @@ void FinalPvCopy() {
 
 PackedMove PvMoveAtPly(int ply, Side side) {
   const PvEntry &entry = FinalPv[ply];
-  return entry.Valid && entry.Key == BuildPositionKey(side) ? entry.Move : kNoMove;
+  if (!entry.Valid || !(entry.Key == BuildPositionKey(side)))
+    return kNoMove;
+  assert(IsLegalMoveOf(side, entry.Move));
+  return entry.Move;
 }
 
 } // namespace zorvane

@@ -1,5 +1,7 @@
 #include "search/search_driver.h"
 
+#include <cassert>
+
 #include "board/legal_moves.h"
 #include "board/move_text.h"
 #include "evaluation/evaluate.h"
@@ -76,6 +78,7 @@ void Publish(SearchResult &result, const RootChoice &best) {
 } // namespace
 
 void RunSearch(const SearchLimits &limits, const SearchOptions &options) {
+  assert(limits.MaxDepth >= 1 && limits.MaxDepth <= kDepthLimit && PositionIsOk());
   EnableTranspositionMoves(options.UseTranspositionMoves);
   EnablePawnCache(options.PawnCacheEnabled);
   const HintMode hints = ChooseHintMode(options.UseHints, options.UseEndgameHints);

@@ -1,6 +1,7 @@
 #include "search/search_levels.h"
 
 #include <algorithm>
+#include <cassert>
 
 #include "board/array.h"
 #include "board/draw_rules.h"
@@ -130,6 +131,8 @@ template <Side Us> Outcome SearchMoves(LevelNode &node) {
 template <Side Us> int ScoreWithoutMoves(int ply) { return IsInCheck(Us) ? MatedScore(Us, ply) : 0; }
 
 template <Side Us> int SearchLevel(int ply, int alpha, int beta, ScoreRange range) {
+  assert(ply >= kFirstLevel && ply <= kSearchPlies && alpha < beta && PositionIsOk());
+
   // 1. Where full width ends, quiescence takes care of stops, repetitions, the fifty-move rule and material.
   PvClearFrom(ply);
   if (CurrentDepth <= ply)

@@ -2,8 +2,10 @@
 
 #include <array>
 #include <atomic>
+#include <cassert>
 #include <cstdint>
 #include <cstdio>
+#include <cstring>
 
 #include "platform/platform.h"
 
@@ -42,7 +44,10 @@ void RequestStop() { StopFlag.exchange(1); }
 void ClearStopRequest() { StopFlag.exchange(0); }
 bool IsStopRequested() { return StopFlag.load(std::memory_order_relaxed) != 0; }
 
-void WatchCancelFile(const char *path) { std::snprintf(CancelPath.data(), CancelPath.size(), "%s", path); }
+void WatchCancelFile(const char *path) {
+  assert(std::strlen(path) < CancelPath.size());
+  std::snprintf(CancelPath.data(), CancelPath.size(), "%s", path);
+}
 
 void StartProgramClock() { ProgramStartMs = PerformanceMilliseconds(); }
 

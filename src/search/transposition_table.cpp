@@ -1,5 +1,7 @@
 #include "search/transposition_table.h"
 
+#include <cassert>
+
 #include "board/array.h"
 #include "board/plies.h"
 #include "board/rules.h"
@@ -44,13 +46,16 @@ PackedMove ProbeTransposition(int ply, Side side) {
   const std::uint16_t stored = StoredMove(prepared.Slot);
   if (stored == 0 || StoredKey(prepared.Slot) != prepared.Key)
     return kNoMove;
-  return static_cast<PackedMove>(stored - 1);
+  const auto move = static_cast<PackedMove>(stored - 1);
+  assert(IsLegalMoveOf(side, move));
+  return move;
 }
 
 void StoreTransposition(int ply, PackedMove best) {
   if (!UseTranspositionMoves || TranspositionSlots == 0 || SearchAborted)
     return;
   const PreparedStore &prepared = Prepared[ply];
+  assert(best != kNoMove && prepared.Slot < static_cast<std::size_t>(TranspositionSlots));
   StoredKey(prepared.Slot) = prepared.Key;
   StoredMove(prepared.Slot) = static_cast<std::uint16_t>(best + 1);
 }
