@@ -1,4 +1,5 @@
 // The rules: the fast ways against the slow ones of the engine itself, every field that a move keeps, and FEN.
+#include <algorithm>
 #include <numeric>
 
 #include "board/move_text.h"
@@ -147,6 +148,51 @@ TEST_F(RulesTest, SamePosition) {
     const PositionKey key = BuildPositionKey(SideToMove);
     ASSERT_TRUE(LoadFen(row[1].c_str()));
     EXPECT_EQ(BuildPositionKey(SideToMove) == key, row[2] == "same") << row[0] << " and " << row[1];
+  }
+}
+
+// Mostly the way back of the move before the last, so that positions come again.
+PackedMove WaveringMove(const std::vector<PackedMove> &played) {
+  const PackedMove mine = played.size() < 2 ? kNoMove : played[played.size() - 2];
+  if (mine != kNoMove && RandomBelow(8) != 0 && IsLegalMoveOf(SideToMove, PackMove(ToOf(mine), FromOf(mine))))
+    return PackMove(ToOf(mine), FromOf(mine));
+  return RandomMove();
+}
+
+// On a search line below the game: as often as the key has been there.
+void CompareCountsOnALine(std::vector<PositionKey> keys, std::vector<PackedMove> played) {
+  for (int ply = 1; ply < kUndoLevels; ++ply) {
+    const PackedMove move = WaveringMove(played);
+    if (move == kNoMove)
+      break;
+    PlayFrom(ply - 1, move);
+    const PositionKey key = BuildPositionKey(SideToMove);
+    const auto expected = static_cast<int>(std::count(keys.begin(), keys.end(), key));
+    EXPECT_EQ(CountEqualPositions(SideToMove, ply), expected);
+    for (const int atLeast : {1, 2})
+      EXPECT_EQ(CountRepetitions(SideToMove, ply, atLeast) >= atLeast, expected >= atLeast);
+    keys.push_back(key);
+    played.push_back(move);
+  }
+}
+
+TEST_F(RulesTest, RepetitionsInTheGameAndOnTheLine) {
+  for (const auto &row : ReadTable("positions.tsv")) {
+    ASSERT_TRUE(LoadFen(row[0].c_str()));
+    std::vector<PositionKey> keys{BuildPositionKey(SideToMove)};
+    for (std::vector<PackedMove> played; played.size() < 60 && RandomMove() != kNoMove;) {
+      const BoardState root = Position;
+      const Side side = SideToMove;
+      CompareCountsOnALine(keys, played);
+      Position = root;
+      SideToMove = side;
+      played.push_back(WaveringMove(played));
+      BoundedString text;
+      MoveText(text, PieceOn(FromOf(played.back())), FromOf(played.back()), ToOf(played.back()));
+      ASSERT_TRUE(ApplyUciMove(text.Text.data()));
+      keys.push_back(BuildPositionKey(SideToMove));
+    }
+    ASSERT_FALSE(HasFailure()) << row[0];
   }
 }
 

@@ -83,11 +83,14 @@ class Uci(unittest.TestCase):
             self.assertEqual([session.read_until('bestmove')[0][:10] for _ in range(2)][1], 'info depth')
 
     def test_a_limit_ends_the_search(self):
+        """Not before its time; the position takes longer than that and no hang limit."""
         with Session() as session:
-            for position, line in ((CROWDED, 'go movetime 1'), (CROWDED, 'go depth 8 wtime 300'),
-                                   (CROWDED.replace(' w ', ' b '), 'go btime 40 wtime 900000000')):
+            for position, line, limit_ms in ((CROWDED, 'go movetime 100', 100), (CROWDED, 'go depth 8 wtime 300', 10),
+                                             (CROWDED.replace(' w ', ' b '), 'go btime 40 wtime 900000000', 1)):
                 session.ask(position)
+                start = time.monotonic()
                 info, best = session.go(line)
+                self.assertGreaterEqual(1000 * (time.monotonic() - start), limit_ms)
                 self.assertRegex(info, f'^info depth [0-7] score cp -?[0-9]+ nodes .* pv {best[9:]}$')
 
     def test_infinite_search_waits_for_stop(self):
