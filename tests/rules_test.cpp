@@ -1,15 +1,14 @@
-// The rules against their plain counterpart, every field that MakeMove keeps, and FEN.
-#include <cstddef>
-#include <cstring>
+// The rules: the fast ways against the slow ones of the engine itself, every field that a move keeps, and FEN.
+#include <algorithm>
 #include <numeric>
 
+#include "board/move_text.h"
 #include "board/perft.h"
 #include "board/position_key.h"
 #include "board/rules.h"
-#include "plain/plain_predicates.h"
+#include "engine_test.h"
 #include "quiescence/check_targets.h"
 #include "quiescence/predicates.h"
-#include "random_positions.h"
 #include "search/root_search.h"
 
 using namespace zorvane;
@@ -18,125 +17,110 @@ namespace {
 
 class RulesTest : public EngineTest {};
 
-std::vector<PackedMove> PlainLegalMoves(Side side) {
-  std::vector<PackedMove> moves;
-  for (const plain::Move m : plain::LegalMoves(PlainSide(side)))
-    moves.push_back(EngineMove(m));
-  return moves;
-}
-
-TEST_F(RulesTest, EveryPairOfSquares) {
-  ForRandomPositions(400, [] {
-    for (int from = 0; from < kSquares; ++from) {
-      for (int to = 0; to < kSquares; ++to) {
-        const plain::Move m = {PlainSquare(from), PlainSquare(to)};
-        ASSERT_EQ(IsPseudoLegalMove(from, to), plain::IsPseudoLegalMove(m)) << from << ' ' << to;
-        ASSERT_EQ(IsLegalMove(from, to), plain::IsLegalMove(m)) << from << ' ' << to;
-        ASSERT_EQ(PieceAttacksSquare(from, to), plain::PieceAttacksSquare(m)) << from << ' ' << to;
-        if (plain::IsLegalMove(m)) {
-          ASSERT_EQ(IsCaptureMove(from, to), plain::IsCapture(m)) << from << ' ' << to;
-        }
-      }
+// The squares that a slider sees, by walking.
+Bitboard Walk(int square, std::initializer_list<std::array<int, 2>> steps) {
+  Bitboard seen = 0;
+  for (const auto &[across, down] : steps) {
+    for (int file = FileOf(square) + across, row = RowOf(square) + down;
+         file >= 0 && file < 8 && row >= 0 && row < 8; file += across, row += down) {
+      seen |= Bit(MakeSquare(file, row));
+      if (PieceOn(MakeSquare(file, row)) != kNoPiece)
+        break;
     }
-  });
+  }
+  return seen;
 }
 
-TEST_F(RulesTest, SlidersOnAnyOccupancy) {
-  ForRandomPositions(300, [] {
-    const plain::BoardState state = plain::Position;
+TEST_F(RulesTest, Sliders) {
+  ForEachPosition([] {
     for (int square = 0; square < kSquares; ++square) {
-      for (const auto &[type, attacks] :
-           {std::pair{kRook, RookAttacks(square, Occupied())}, std::pair{kBishop, BishopAttacks(square, Occupied())},
-            std::pair{kQueen, QueenAttacks(square, Occupied())}}) {
-        plain::Position = state;
-        plain::At(PlainSquare(square)) = static_cast<int>(type);
-        for (int to = 0; to < kSquares; ++to)
-          ASSERT_EQ(Contains(attacks, to), plain::PieceAttacksSquare({PlainSquare(square), PlainSquare(to)}));
-      }
+      EXPECT_EQ(RookAttacks(square, Occupied()), Walk(square, {{0, 1}, {0, -1}, {1, 0}, {-1, 0}}));
+      EXPECT_EQ(BishopAttacks(square, Occupied()), Walk(square, {{1, 1}, {1, -1}, {-1, 1}, {-1, -1}}));
     }
   });
 }
 
-// Which moves give check: by trying each, and at one look where the enemy king is not attacked yet.
-template <Side Us> void CompareChecks() {
-  const CheckTargets checks = FindCheckTargets<Us>();
-  const plain::Square king = PlainSquare(FindKingSquare(Opposite(Us)));
-  for (Bitboard own = Position.BySide[Us]; own != 0;) {
-    const int from = PopSquare(own);
-    EXPECT_EQ(Contains(checks.Discoverers, from), plain::MayDiscoverCheck(PlainSquare(from), king, PlainSide(Us)));
-  }
-  const bool attacked = IsInCheck(Opposite(Us));
-  for (const PackedMove move : PlainLegalMoves(Us)) {
-    const int from = FromOf(move);
-    const int to = ToOf(move);
-    const PieceType type = TypeOf(PieceOn(from));
-    const bool expected = plain::MoveGivesCheck(PlainMove(move));
-    EXPECT_EQ(MoveGivesCheck(3, from, to), expected) << from << ' ' << to;
-    const bool compound = (type == kPawn && (Contains(kLastRows, to) || IsEnPassantMove(from, to))) ||
-                          (type == kKing && Absolute(from - to) == 2);
-    if (!attacked && !compound) {
-      EXPECT_EQ(Contains(CheckingTargets(checks, from, type), to), expected) << from << ' ' << to;
-    }
-  }
-}
-
-TEST_F(RulesTest, LegalMovesAttacksAndChecks) {
-  ForRandomPositions(3000, [] {
-    for (const Side side : {Opposite(SideToMove), SideToMove}) {
-      const std::vector<PackedMove> moves = PlainLegalMoves(side);
+// Move sets by pins and checkers against the test of each pair of squares.
+TEST_F(RulesTest, LegalMoves) {
+  ForEachPosition([] {
+    for (const Side side : {kWhite, kBlack}) {
+      std::vector<PackedMove> moves;
+      for (PackedMove move = 0; move < kPackedMoves; ++move)
+        if (IsLegalMoveOf(side, move))
+          moves.push_back(move);
       EXPECT_EQ(LegalMoveList(side), moves);
       EXPECT_EQ(CountLegalMoves(side), static_cast<int>(moves.size()));
       EXPECT_EQ(HasLegalMove(side), !moves.empty());
       SideToMove = side;
       EXPECT_EQ(Perft(1), std::accumulate(moves.begin(), moves.end(), 0U, [](unsigned sum, PackedMove move) {
-                  return sum + (plain::IsPromotion(PlainMove(move)) ? 4 : 1);
+                  return sum + (TypeOf(PieceOn(FromOf(move))) == kPawn && Contains(kLastRows, ToOf(move)) ? 4 : 1);
                 }));
-      EXPECT_EQ(IsInCheck(side), plain::IsInCheck(PlainSide(side)));
-      for (int square = 0; square < kSquares; ++square)
-        EXPECT_EQ(IsSquareAttacked(square, side), plain::IsSquareAttacked(PlainSquare(square), PlainSide(side)));
     }
+  });
+}
+
+// Which moves give check: at one look against trying each.
+template <Side Us> void CompareChecks() {
+  if (IsInCheck(Opposite(Us)))
+    return;
+  const CheckTargets checks = FindCheckTargets<Us>();
+  for (const PackedMove move : LegalMoveList(Us)) {
+    const int from = FromOf(move);
+    const int to = ToOf(move);
+    const PieceType type = TypeOf(PieceOn(from));
+    const bool compound = (type == kPawn && (Contains(kLastRows, to) || IsEnPassantMove(from, to))) ||
+                          (type == kKing && Absolute(from - to) == 2);
+    if (!compound) {
+      EXPECT_EQ(Contains(CheckingTargets(checks, from, type), to), MoveGivesCheck(3, from, to)) << from << ' ' << to;
+    }
+  }
+}
+
+TEST_F(RulesTest, Checks) {
+  ForEachPosition([] {
     CompareChecks<kWhite>();
     CompareChecks<kBlack>();
   });
 }
 
-// What the board alone says the position must hold.
-BoardState Recomputed() {
-  const BoardState kept = Position;
-  Position = {};
+// The board hash as it is defined, square by square.
+std::uint64_t SlowBoardHash() {
+  std::uint64_t hash = 0;
   for (int square = 0; square < kSquares; ++square)
-    if (kept.Board[static_cast<unsigned>(square)] != kNoPiece)
-      PutPiece(square, kept.Board[static_cast<unsigned>(square)]);
-  Position.HalfmoveClock = kept.HalfmoveClock;
-  Position.MovedFlags = kept.MovedFlags;
-  Position.EnPassantSquare = kept.EnPassantSquare;
-  BoardState fresh = Position;
-  Position = kept;
-  return fresh;
+    hash = (hash * 131 + static_cast<unsigned>(PieceCode(PieceOn(square))) + 1) % 2147483647;
+  return hash;
 }
 
-bool SameState(const BoardState &one, const BoardState &other) {
-  return std::memcmp(&one, &other, offsetof(BoardState, EnPassantSquare) + sizeof one.EnPassantSquare) == 0;
-}
-
-TEST_F(RulesTest, EveryMoveKeepsEveryField) {
-  ForRandomPositions(1000, [] {
-    const BoardState before = Position;
-    const plain::BoardState plainBefore = plain::Position;
-    for (const Side side : {kWhite, kBlack}) {
-      for (const PackedMove move : LegalMoveList(side)) {
-        SaveState(5);
-        MakeMove(FromOf(move), ToOf(move));
-        plain::MakeMove(PlainMove(move));
-        EXPECT_TRUE(PlainBoard() == plain::Position) << FromOf(move) << ' ' << ToOf(move);
-        EXPECT_TRUE(SameState(Position, Recomputed())) << FromOf(move) << ' ' << ToOf(move);
-        EXPECT_EQ(BoardHash(), plain::BoardHash());
-        RestoreState(5);
-        EXPECT_TRUE(SameState(Position, before));
-        plain::Position = plainBefore;
-      }
+// What MakeMove keeps step by step, against the same board put together afresh.
+TEST_F(RulesTest, EveryMoveKeepsTheSums) {
+  ForEachPosition([] {
+    for (const PackedMove move : LegalMoveList(SideToMove)) {
+      SaveState(5);
+      MakeMove(FromOf(move), ToOf(move));
+      const BoardState made = Position;
+      Position = {};
+      for (int square = 0; square < kSquares; ++square)
+        if (const Piece piece = made.Board[static_cast<unsigned>(square)]; piece != kNoPiece)
+          PutPiece(square, piece);
+      Position.HalfmoveClock = made.HalfmoveClock;
+      Position.MovedFlags = made.MovedFlags;
+      Position.EnPassantSquare = made.EnPassantSquare;
+      EXPECT_TRUE(SameState(Position, made)) << FromOf(move) << ' ' << ToOf(move);
+      EXPECT_EQ(BoardHash(), SlowBoardHash()) << FromOf(move) << ' ' << ToOf(move);
+      RestoreState(5);
     }
   });
+}
+
+TEST_F(RulesTest, MovesByHand) {
+  for (const auto &row : ReadTable("moves.tsv")) {
+    SCOPED_TRACE(row[0] + " " + row[1]);
+    ASSERT_TRUE(LoadFen(row[0].c_str()));
+    EXPECT_EQ(ApplyUciMove(row[1].c_str()), row[2] != "-");
+    if (row[2] != "-") {
+      EXPECT_EQ(CurrentFen() + " " + std::to_string(Position.MovedFlags), row[2]);
+    }
+  }
 }
 
 TEST_F(RulesTest, FenTakenOverOrRefused) {
@@ -155,6 +139,73 @@ TEST_F(RulesTest, FenTakenOverOrRefused) {
     }
     EXPECT_EQ(GameHistoryCount, 1);
   }
+}
+
+// Two positions in each row, and whether they are the same one.
+TEST_F(RulesTest, SamePosition) {
+  for (const auto &row : ReadTable("keys.tsv")) {
+    ASSERT_TRUE(LoadFen(row[0].c_str()));
+    const PositionKey key = BuildPositionKey(SideToMove);
+    ASSERT_TRUE(LoadFen(row[1].c_str()));
+    EXPECT_EQ(BuildPositionKey(SideToMove) == key, row[2] == "same") << row[0] << " and " << row[1];
+  }
+}
+
+// Mostly the way back of the move before the last, so that positions come again.
+PackedMove WaveringMove(const std::vector<PackedMove> &played) {
+  const PackedMove mine = played.size() < 2 ? kNoMove : played[played.size() - 2];
+  if (mine != kNoMove && RandomBelow(8) != 0 && IsLegalMoveOf(SideToMove, PackMove(ToOf(mine), FromOf(mine))))
+    return PackMove(ToOf(mine), FromOf(mine));
+  return RandomMove();
+}
+
+// On a search line below the game: as often as the key has been there.
+void CompareCountsOnALine(std::vector<PositionKey> keys, std::vector<PackedMove> played) {
+  for (int ply = 1; ply < kUndoLevels; ++ply) {
+    const PackedMove move = WaveringMove(played);
+    if (move == kNoMove)
+      break;
+    PlayFrom(ply - 1, move);
+    const PositionKey key = BuildPositionKey(SideToMove);
+    const auto expected = static_cast<int>(std::count(keys.begin(), keys.end(), key));
+    EXPECT_EQ(CountEqualPositions(SideToMove, ply), expected);
+    for (const int atLeast : {1, 2})
+      EXPECT_EQ(CountRepetitions(SideToMove, ply, atLeast) >= atLeast, expected >= atLeast);
+    keys.push_back(key);
+    played.push_back(move);
+  }
+}
+
+TEST_F(RulesTest, RepetitionsInTheGameAndOnTheLine) {
+  for (const auto &row : ReadTable("positions.tsv")) {
+    ASSERT_TRUE(LoadFen(row[0].c_str()));
+    std::vector<PositionKey> keys{BuildPositionKey(SideToMove)};
+    for (std::vector<PackedMove> played; played.size() < 60 && RandomMove() != kNoMove;) {
+      const BoardState root = Position;
+      const Side side = SideToMove;
+      CompareCountsOnALine(keys, played);
+      Position = root;
+      SideToMove = side;
+      played.push_back(WaveringMove(played));
+      BoundedString text;
+      MoveText(text, PieceOn(FromOf(played.back())), FromOf(played.back()), ToOf(played.back()));
+      ASSERT_TRUE(ApplyUciMove(text.Text.data()));
+      keys.push_back(BuildPositionKey(SideToMove));
+    }
+    ASSERT_FALSE(HasFailure()) << row[0];
+  }
+}
+
+TEST_F(RulesTest, AFullHistoryTakesNoFurtherPosition) {
+  constexpr const char *shuffle[] = {"g1f3", "g8f6", "f3g1", "f6g8"};
+  for (int i = 0; i < 1050; ++i)
+    ASSERT_TRUE(ApplyUciMove(shuffle[i % 4]));
+  EXPECT_EQ(GameHistoryCount, 1001);
+  EXPECT_EQ(GamePly, 1050);
+  EXPECT_EQ(CountRepetitions(kWhite, 1, 2), 250);
+  EXPECT_EQ(CountRepetitions(kBlack, 1, 2), 0);
+  ASSERT_TRUE(ApplyUciMove("e2e4"));
+  EXPECT_EQ(CountEqualPositions(kBlack, 1), 0);
 }
 
 } // namespace

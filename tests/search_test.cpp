@@ -3,11 +3,10 @@
 
 #include "board/memory_block.h"
 #include "board/rules.h"
+#include "engine_test.h"
 #include "evaluation/evaluate.h"
 #include "evaluation/pawn_structure.h"
-#include "plain/plain_quiescence.h"
-#include "quiescence/quiescence_search.h"
-#include "random_positions.h"
+#include "frontend/search_thread.h"
 #include "search/best_line.h"
 #include "search/root_search.h"
 #include "search/search_driver.h"
@@ -51,18 +50,6 @@ void Search(const char *fen, int depth) {
   MaxDepth = depth;
   TimeLimitSeconds = 300;
   RunSearch();
-}
-
-TEST_F(SearchTest, ADepthOneScoreIsTheQuiescenceOfTheBestMove) {
-  ForRandomPositions(300, [] {
-    const std::string fen = CurrentFen();
-    Search(fen.c_str(), 1);
-    if (Result.BestMove == kNoMove)
-      return;
-    BeginLine();
-    Descend(Result.BestMove);
-    EXPECT_EQ(Result.BestScore, plain::EnterQuiescence(PlainSide(SideToMove), 1, -kInfinity, kInfinity));
-  });
 }
 
 // What a node of White's leaves when e5d7 was its best move.
@@ -131,6 +118,18 @@ TEST_F(SearchTest, StopAndDeadline) {
   EXPECT_LT(CompletedDepth, kDepthLimit);
   EXPECT_TRUE(IsLegalMove(FromOf(Result.BestMove), ToOf(Result.BestMove)));
   EXPECT_TRUE(Position.Board == before.Board);
+}
+
+// Side to move, words behind "go", and the limits that the search gets.
+TEST_F(SearchTest, LimitsOfGo) {
+  for (const auto &row : ReadTable("go_limits.tsv")) {
+    SCOPED_TRACE(row[0] + " go" + row[1]);
+    ASSERT_TRUE(LoadFen(("7k/5Q2/8/6K1/8/8/8/8 " + row[0] + " - -").c_str()));
+    StartSearchThread(("go" + row[1]).c_str());
+    StopSearchThread();
+    EXPECT_EQ(MaxDepth, std::stoi(row[2]));
+    EXPECT_NEAR(TimeLimitSeconds, std::stod(row[3]), 1e-9);
+  }
 }
 
 #ifdef COUNTS_ALLOCATIONS

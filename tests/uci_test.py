@@ -1,8 +1,11 @@
 """UCI sessions with the real program over pipes."""
+import re
+import subprocess
 import time
 import unittest
 
-from engine_process import Session, recorded_blocks, run_engine, side_by_side, unescape
+from engine_process import (ENGINE, HANG_S, Session, native_only, recorded_blocks, run_engine, side_by_side, table,
+                            unescape, without_times)
 
 INVALID_POSITION = 'info string invalid position'
 INVALID_MOVE = 'info string invalid move in position'
@@ -36,6 +39,14 @@ class Uci(unittest.TestCase):
             with self.subTest(wanted[0]):
                 self.assertEqual(got, wanted)
 
+    def test_written_at_once(self):
+        """All that is said to lines written in one piece, after which the input ends."""
+        for text, wanted in table('written_at_once.tsv'):
+            with self.subTest(text):
+                done = run_engine(input=text.encode(), stdin=None)
+                self.assertEqual(done.returncode, 0)
+                self.assertRegex(without_times(done.stdout), f'^(?:{wanted})$')
+
     def test_long_lines(self):
         with Session() as session:
             start = 'position startpos moves'
@@ -50,28 +61,6 @@ class Uci(unittest.TestCase):
             shuffle = ' g1f3 g8f6 f3g1 f6g8' * 600      # more half-moves than the history holds
             self.assertEqual(session.ask(start + shuffle), [])
             self.assertEqual(session.go('go depth 1')[-1][:9], 'bestmove ')
-
-    def test_bytes_that_are_no_text(self):
-        noise = bytes(byte for byte in reversed(range(256)) if byte not in b'\n')
-        with Session() as session:
-            self.assertEqual(session.ask(noise, b'\xff' * 20000, b'\0', b'position \xff', b'position fen ' + noise,
-                                         b'position startpos moves ' + noise),
-                             [INVALID_POSITION, INVALID_POSITION, INVALID_MOVE])
-            self.assertEqual(session.end(), ([], 0))
-
-    def test_limits(self):
-        """Each of these ends long before the hang limit."""
-        with Session() as session:
-            for position, limits in ((CROWDED, (
-                    'depth 99 movetime 1', 'movetime 0', 'movetime -5', 'movetime x', 'movetime nan', 'wtime nan',
-                    'depth 8 wtime 300', 'wtime 40 btime 900000000', 'wtime 900000000 movetime 20',
-                    'wtime 900 btime 900000000 winc 9 movestogo 1')), (CROWDED.replace(' w ', ' b '), (
-                        'btime 40 wtime 900000000', 'wtime 900000000 btime 700'))):
-                session.ask(position)
-                for line in limits:
-                    with self.subTest(line):
-                        info, best = session.go('go ' + line)
-                        self.assertRegex(info, f'^info depth [0-8] score cp -?[0-9]+ nodes .* pv {best[9:]}$')
 
     def test_commands_during_a_search(self):
         with Session() as session:
@@ -94,6 +83,22 @@ class Uci(unittest.TestCase):
             session.send('go infinite', 'go depth 1')
             self.assertEqual([session.read_until('bestmove')[0][:10] for _ in range(2)][1], 'info depth')
 
+    def test_a_limit_ends_the_search(self):
+        """Not before its time; the position takes longer than that. What is told of it fits what was seen."""
+        with Session() as session:
+            for position, line, limit_ms in ((CROWDED, 'go movetime 100', 100), (CROWDED, 'go depth 8 wtime 300', 10),
+                                             (CROWDED.replace(' w ', ' b '), 'go btime 40 wtime 900000000', 1)):
+                session.ask(position)
+                start = time.monotonic()
+                session.send(line)
+                info, best = (session.process.stdout.readline().decode() for _ in range(2))
+                seen_ms = 1000 * (time.monotonic() - start)
+                told = re.fullmatch(r'info depth [0-7] score cp -?\d+ nodes (\d+) time (\d+) nps (\d+) pv (.*)\n', info)
+                self.assertEqual(f'bestmove {told[4]}\n', best)
+                nodes, told_ms, rate = map(int, told.groups()[:3])
+                self.assertTrue(limit_ms <= told_ms <= seen_ms, (line, told_ms, seen_ms))
+                self.assertTrue(nodes * 1000 // (told_ms + 1) <= rate <= nodes * 1000 / told_ms, info)
+
     def test_infinite_search_waits_for_stop(self):
         """It says nothing before it is stopped, even when the tree is done at once."""
         with Session() as session:
@@ -105,17 +110,18 @@ class Uci(unittest.TestCase):
                     self.assertEqual(session.ask(), [])
                 self.assertEqual(session.ask('stop')[-1][:9], 'bestmove ')
 
-    def test_ends(self):
-        for lines in ([], ['quit'], ['quit', 'uci'], [b'quit\r'], ['stop', 'stop']):
-            with Session() as session:
-                session.send(*lines)
-                self.assertEqual(session.end(), ([], 0))
-        for last in ([], ['quit'], ['quit', 'uci']):
-            with Session() as session:
-                session.send('position startpos', 'go infinite', *last)
-                rest, code = session.end()
-                self.assertEqual((len(rest), rest[1][:9], code), (2, 'bestmove ', 0))
-        self.assertEqual(run_engine(input=b'uci', stdin=None).stdout[-6:], 'uciok\n')     # no last line end
+    @native_only
+    def test_lost_reader(self):
+        """Commands are read on when nobody reads the answers, and the end of the input ends a search."""
+        for lines in (b'isready\nuci\nisready\n', b'go infinite\n'):
+            with subprocess.Popen(ENGINE, stdin=subprocess.PIPE, stdout=subprocess.PIPE) as process:
+                process.stdout.close()
+                process.stdin.write(lines)
+                process.stdin.flush()
+                time.sleep(0.05)
+                process.stdin.write(b'isready\n')
+                process.stdin.close()
+                self.assertEqual(process.wait(HANG_S), 0)
 
 
 if __name__ == '__main__':

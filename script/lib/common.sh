@@ -12,7 +12,7 @@ fail() {
 # install_missing PROBE=PACKAGE ...
 # Installs the Debian packages whose probe is absent. A probe is a command, or
 # a file when it begins with a slash. Asks nothing; says what it installs on
-# standard error.
+# standard error. With ZORVANE_NO_INSTALL set it fails instead and names them.
 install_missing() {
   local missing=() need probe
   for need in "$@"; do
@@ -24,26 +24,37 @@ install_missing() {
     fi
   done
   ((${#missing[@]})) || return 0
-  command -v apt-get >/dev/null || fail "please install: ${missing[*]}"
+  if [[ -n ${ZORVANE_NO_INSTALL:-} ]] || ! command -v apt-get >/dev/null; then
+    fail "please install: ${missing[*]}"
+  fi
 
-  local as_root=()
+  local as_root=() apt_get=(env DEBIAN_FRONTEND=noninteractive apt-get -qq -o DPkg::Lock::Timeout=300)
   if ((EUID != 0)); then
     command -v sudo >/dev/null || fail "please install as root: ${missing[*]}"
     as_root=(sudo)
   fi
   echo "installing ${missing[*]}" >&2
-  "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -qq update >&2
-  "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -qq install -y --no-install-recommends "${missing[@]}" >&2
+  "${as_root[@]}" "${apt_get[@]}" update >&2
+  "${as_root[@]}" "${apt_get[@]}" install -y --no-install-recommends "${missing[@]}" >&2
 }
 
-# What building needs.
+# What building needs. A build is not configured without its tests, so their
+# tools belong to it.
 install_build_tools() {
-  install_missing cmake=cmake ninja=ninja-build clang++=clang ld.lld=lld
+  install_missing cmake=cmake ninja=ninja-build clang++=clang ld.lld=lld \
+    python3=python3 /usr/include/gtest/gtest.h=libgtest-dev
 }
 
-# What running the tests needs, beside the build tools.
-install_test_tools() {
-  install_missing python3=python3 /usr/include/gtest/gtest.h=libgtest-dev parallel=parallel
+# The runtime of the fuzz targets lies where clang looks for it.
+install_fuzz_tools() {
+  install_build_tools
+  install_missing "$(clang++ -print-resource-dir)/lib/linux/libclang_rt.fuzzer-x86_64.a=libclang-rt-dev"
+}
+
+# The variant of mingw-w64 with the threads of Windows itself.
+install_windows_tools() {
+  install_build_tools
+  install_missing x86_64-w64-mingw32-g++-win32=g++-mingw-w64-x86-64-win32
 }
 
 # configure PRESET [CMAKE_ARGUMENT ...]

@@ -5,7 +5,7 @@ import subprocess
 import time
 import unittest
 
-from engine_process import DATA, ENGINE, HANG_S, ROOT, RequestCase, Session, comparable, request_text, run_engine
+from engine_process import ENGINE, HANG_S, ROOT, RequestCase, comparable, request_text, run_engine
 
 CAPTION = 'Zorvane C-Engine'
 SCREENSHOT = ROOT / 'build' / 'windows' / 'start-box.png'
@@ -55,7 +55,7 @@ class StartBox(unittest.TestCase):
         self.assertEqual(windows_with(CAPTION), [])
 
 
-class LineEnds(RequestCase):
+class LineEnds(unittest.TestCase):
 
     def test_streams(self):
         """A line ends in one line feed, and what is no text passes unchanged."""
@@ -69,20 +69,6 @@ class LineEnds(RequestCase):
         self.assertTrue(done.stdout.endswith(b'uciok\n'))
         self.assertNotIn(b'\r', done.stdout)
 
-    def test_files(self):
-        """Also with the host's own "\\r\\n", and with a token that text mode would end at."""
-        path = self.folder / 'r'
-        path.write_bytes(request_text(token='a\x1ab').replace(b'\n', b'\r\n'))
-        self.assertEqual(raw('--request', str(path)), (0, b'', b''))
-        response = self.beside(path, '.response').read_bytes()
-        self.assertTrue(response.startswith(b'a\x1ab\nOK\n'))
-        self.assertNotIn(b'\r', response)
-        path = self.folder / 'bad'
-        path.write_bytes(request_text(numbers='1'))
-        self.assertEqual(raw('--request', str(path)), (2, b'', b'Zorvane request error: Invalid search parameters\n'))
-        self.assertEqual(self.beside(path, '.error.txt').read_bytes(), b'Invalid search parameters\n')
-        self.assertEqual(self.beside(path, '.response').read_bytes(), b'tok\nERROR\nInvalid search parameters\n')
-
 
 class Files(RequestCase):
 
@@ -92,11 +78,6 @@ class Files(RequestCase):
         self.assertEqual((outcome.code, outcome.complaint, outcome.error, outcome.response),
                          (2, 'Zorvane request error: Cannot publish response file\n',
                           'Cannot publish response file\n', 'old'))
-
-    def test_folder_with_the_name_of_the_response(self):
-        self.beside(self.folder / 'r', '.response').mkdir()
-        outcome = self.run_request(request_text(), name='r')
-        self.assertEqual((outcome.code, outcome.error), (2, 'Cannot publish response file\n'))
 
     def test_path_forms(self):
         """Drive letters, relative paths, long ones, and letters outside of ASCII mean the same request."""
@@ -117,24 +98,6 @@ class Files(RequestCase):
         done = run_engine('--request', 'relative', cwd=letters)
         self.assertEqual((done.returncode, done.stderr), (0, ''))
         self.assertEqual(comparable((letters / 'relative.response').read_text()), wanted)
-
-
-class Search(unittest.TestCase):
-
-    def test_signature(self):
-        """The search suite, all in one process: every search and so the node total are the recorded ones."""
-        with Session() as session:
-            for row in (DATA / 'suite.bench.tsv').read_text().splitlines():
-                depth, fen, wanted = row.split('\t')
-                self.assertEqual(session.ask('ucinewgame', f'position fen {fen}'), [])
-                self.assertEqual(' | '.join(map(str.strip, session.go(f'go depth {depth}'))), wanted)
-            self.assertEqual(session.end(), ([], 0))
-
-    def test_clock(self):
-        """Milliseconds are milliseconds: of these limits one is too short for all iterations, the other ample."""
-        with Session() as session:
-            self.assertRegex(session.go('go movetime 20')[0], '^info depth [0-7] ')
-            self.assertRegex(session.go('go movetime 60000')[0], '^info depth 8 ')
 
 
 if __name__ == '__main__':
