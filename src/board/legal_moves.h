@@ -111,11 +111,8 @@ template <Side Us> inline Bitboard CastlingTargets(const CheckInfo &info, Bitboa
 // The own pawns that can legally take en passant.
 template <Side Us> inline Bitboard EnPassantCapturers() {
   const int target = Position.EnPassantSquare;
-  if (target == kNoSquare)
-    return 0;
   Bitboard capturers = 0;
-  Bitboard pawns = PawnAttacks[Opposite(Us)][target] & Pieces(Us, kPawn);
-  while (pawns != 0) {
+  for (Bitboard pawns = EnPassantCandidates(Us); pawns != 0;) {
     const int from = PopLsb(pawns);
     if (IsEnPassantMove(from, target) && IsLegalMove(from, target))
       capturers |= Bit(from);

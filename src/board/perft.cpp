@@ -85,7 +85,7 @@ template <Side Us> std::uint64_t PerftOf(int depth) {
       } else {
         leaves += PerftOf<them>(depth - 1);
       }
-      Position = saved;
+      SetPosition(saved);
     }
   }
   return leaves;

@@ -33,8 +33,7 @@ struct alignas(32) BoardState {
   std::uint8_t EnPassantSquare; // where a capturing pawn lands, kNoSquare for none
 };
 
-// The one position of the process. The rules change it, in MakeMove; Perft and whoever looks at an earlier position for
-// a moment put it back by assignment.
+// The one position of the process. Besides this module only MakeMove changes it.
 extern BoardState Position;
 
 // Of the game's position. They do not follow a search, which hands the side down as an argument: throughout a search
@@ -66,9 +65,12 @@ inline int MaterialSum() { return UnpackMaterial(Position.Sum.Scores); }
 void PutPiece(int square, Piece piece);
 void RemovePiece(int square);
 
+// Puts an earlier or other position on the board; the game's side and ply stay.
+inline void SetPosition(const BoardState &state) { Position = state; }
+
 // Copies the position to the slot of a ply in UndoStack, 0 to 12, and back.
 inline void SaveState(int ply) { UndoStack[ply] = Position; }
-inline void RestoreState(int ply) { Position = UndoStack[ply]; }
+inline void RestoreState(int ply) { SetPosition(UndoStack[ply]); }
 
 // True when the board, its sets by side and type, the sums and the kings agree. Slow; for assertions.
 bool PositionIsOk();

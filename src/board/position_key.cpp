@@ -29,13 +29,9 @@ std::int16_t &BucketOf(std::uint64_t boardSum) {
 
 // The en-passant square when side can capture there, else none.
 int EffectiveEnPassantSquare(Side side) {
-  const int target = Position.EnPassantSquare;
-  if (target == kNoSquare)
-    return kNoSquare;
-  Bitboard pawns = PawnAttacks[Opposite(side)][target] & Pieces(side, kPawn);
-  while (pawns != 0)
-    if (IsLegalMove(PopLsb(pawns), target))
-      return target;
+  for (Bitboard pawns = EnPassantCandidates(side); pawns != 0;)
+    if (IsLegalMove(PopLsb(pawns), Position.EnPassantSquare))
+      return Position.EnPassantSquare;
   return kNoSquare;
 }
 
@@ -55,9 +51,9 @@ PositionKey KeyAtPly(int ply, Side side) {
   if (state.EnPassantSquare == kNoSquare)
     return MakePositionKey(state, side, kNoSquare);
   const BoardState current = Position;
-  Position = state;
+  SetPosition(state);
   const PositionKey key = BuildPositionKey(side);
-  Position = current;
+  SetPosition(current);
   return key;
 }
 

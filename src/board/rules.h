@@ -52,6 +52,13 @@ inline bool IsEnPassantMove(int from, int to) {
          Absolute(FileOf(to) - FileOf(from)) == 1;
 }
 
+// The pawns of a side that attack the en-passant square; none when there is no such square. Whether the capture is
+// legal is not asked.
+inline Bitboard EnPassantCandidates(Side side) {
+  const int target = Position.EnPassantSquare;
+  return target == kNoSquare ? 0 : PawnAttacks[Opposite(side)][target] & Pieces(side, kPawn);
+}
+
 // True when the move takes something, en passant included.
 inline bool IsCaptureMove(int from, int to) {
   const Piece target = PieceOn(to);
