@@ -55,12 +55,6 @@ def find_engine(command):
     return engine
 
 
-def require(engine):
-    """Refuse an engine whose program is not there."""
-    if not shutil.which(engine[0]):
-        raise Problem(f'there is no engine {engine[0]} to run: build it, or name it with --engine')
-
-
 def request_path(folder, number):
     return folder / f'{number:06}{REQUEST_SUFFIX}'
 
@@ -82,7 +76,8 @@ class Batch:
         self.changed = threading.Condition()
 
     def __enter__(self):
-        require(self.engine)
+        if not shutil.which(self.engine[0]):
+            raise Problem(f'there is no engine {self.engine[0]} to run: build it, or name it with --engine')
         # What is ignored from the start, as by nohup, stays so.
         self.handlers = {s: signal.signal(s, self._interrupt) for s in SIGNALS if signal.getsignal(s) != signal.SIG_IGN}
         self.temporary = None if self.folder else tempfile.TemporaryDirectory(prefix='zorvane-')
@@ -143,13 +138,12 @@ class Batch:
                 return
             path = request_path(self.folder, number)
             try:
-                result = run(self.engine, path, request, self._urgency)
+                try:
+                    result = run(self.engine, path, request, self._urgency)
+                finally:
+                    if not self.keep:
+                        clean_up(path)
             except Exception as problem:
-                result = problem
-            try:
-                if not self.keep:
-                    clean_up(path)
-            except OSError as problem:
                 result = problem
             with self.changed:
                 self.finished[number] = request, result
@@ -184,7 +178,6 @@ class Progress:
         self.terminal = not self.quiet and sys.stderr.isatty()
         self.interval_s = 0.2 if self.terminal else 2.0
         self.start = self.last = time.monotonic()
-        self.shown = False
 
     def show(self, finished, running, end=False):
         now = time.monotonic()
@@ -192,17 +185,11 @@ class Progress:
             return
         self.last = now
         self.wipe()
-        self.shown = self.terminal and not end
-        self._print(f'{finished}{self.of} done, {running} running, {now - self.start:.1f} s', '' if self.shown else '\n')
+        line_end = '' if self.terminal and not end else '\n'
+        print(f'{finished}{self.of} done, {running} running, {now - self.start:.1f} s', end=line_end,
+              file=sys.stderr, flush=True)
 
     def wipe(self):
         """Make room for a line of other text."""
-        if self.shown:
-            self._print('\r\033[K', '')
-            self.shown = False
-
-    def _print(self, text, end):
-        try:
-            print(text, end=end, file=sys.stderr, flush=True)
-        except OSError:
-            self.quiet = True  # Nobody reads it any more.
+        if self.terminal:
+            print('\r\033[K', end='', file=sys.stderr, flush=True)

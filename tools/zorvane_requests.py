@@ -13,14 +13,15 @@ A result is a dictionary. Its 'status' tells what became of the request:
 docs/request-protocol.md tells what the files say. Needs Python 3.9 (dictionaries joined with "|").
 """
 import dataclasses
+import itertools
 import os
-import pathlib
 import secrets
 import signal
 import subprocess
 import time
 
 HEADER = 'ZORVANE_C_REQUEST_1'
+POSITION = 'position startpos moves'
 LONGEST_LINE = 16383
 LONGEST_TIME_MS = 300000
 MOST_HINTS = 256
@@ -39,6 +40,8 @@ GO_ON, CANCEL_IT, KILL_IT = range(3)
 POLL_S = 0.05
 OVERDUE_S = 10  # what an engine may take beyond its time limit, to start on a busy machine and to write
 HEED_CANCEL_S = 5
+# Makes the tokens of this process unlike all others.
+RUN, REQUESTS = secrets.token_hex(4), itertools.count(1)
 
 
 class Problem(Exception):
@@ -53,17 +56,19 @@ class Request:
     hash_kib: int = 1024
     flags: tuple = (1, 1, 0, 1)
     hints: tuple = ()  # of lines "move bonus penalty"
-    token: str = dataclasses.field(default_factory=lambda: secrets.token_hex(8))
+    token: str = dataclasses.field(default_factory=lambda: f'{RUN}-{next(REQUESTS)}')
     place: object = ''  # where it came from, for the caller; the engine does not see it
 
-    def text(self):
-        position = ' '.join(['position startpos', *(['moves', *self.moves] if self.moves else [])])
-        if len(position) > LONGEST_LINE:
+    def __post_init__(self):
+        if len(POSITION) + sum(map(len, self.moves)) + len(self.moves) > LONGEST_LINE:
             raise Problem(f'{len(self.moves)} moves do not fit the line of a request')
         if len(self.hints) > MOST_HINTS:
             raise Problem(f'{len(self.hints)} hints, but a request holds {MOST_HINTS}')
-        numbers = ' '.join([f'{self.time_ms:.15g}', *(str(int(n)) for n in (self.depth, self.hash_kib, *self.flags))])
-        return '\n'.join([HEADER, self.token, numbers, position, *self.hints]) + '\n'
+
+    def text(self):
+        numbers = [f'{self.time_ms:.15g}', *(str(int(n)) for n in (self.depth, self.hash_kib, *self.flags))]
+        position = ' '.join([POSITION, *self.moves]) if self.moves else POSITION.removesuffix(' moves')
+        return '\n'.join([HEADER, self.token, ' '.join(numbers), position, *self.hints]) + '\n'
 
 
 def beside(path, ending):
@@ -111,32 +116,29 @@ def run(engine, path, request, urgency=lambda: GO_ON):
     then is killed. `urgency` is asked every POLL_S."""
     write(path, request)
     process = start(engine, path)
-    overdue = time.monotonic() + min(LONGEST_TIME_MS, request.time_ms) / 1000 + OVERDUE_S
-    cancelled = urged = killed = False
-    complaint = b''
+    end = time.monotonic() + min(LONGEST_TIME_MS, request.time_ms) / 1000 + OVERDUE_S
+    complaint, urged, told, killed = b'', GO_ON, False, False
     try:
-        while not (killed and process.poll() is not None):
+        while not killed or process.poll() is None:
             try:
                 complaint = process.communicate(timeout=POLL_S)[1]
                 break
             except subprocess.TimeoutExpired:
-                pass
-            urged = urgency() > GO_ON
-            late = time.monotonic() - overdue
-            if (urged or late > 0) and not cancelled:
+                urged, now = urgency(), time.monotonic()
+            if not told and (urged or now > end):
                 cancel(path)
-                cancelled, overdue = True, min(overdue, time.monotonic())
-            if urgency() == KILL_IT or late > HEED_CANCEL_S:
+                told, end = True, now + HEED_CANCEL_S
+            elif told and (urged == KILL_IT or now > end):
                 kill(process)
                 killed = True
     finally:
         kill(process)
         process.wait()
     result = read_result(path, request.token, process.returncode, complaint.decode(errors='replace'))
-    if result['status'] == 'ok' or not killed and (result['status'] != 'cancelled' or not cancelled):
+    if result['status'] == 'ok' or not killed and not (told and result['status'] == 'cancelled'):
         return result
-    return {'status': 'cancelled'} if urged else {
-        'status': 'error', 'error': f'no answer {OVERDUE_S} s after its time limit: the engine was told to end'}
+    late = f'no answer {OVERDUE_S} s after the time limit: the engine was {"killed" if killed else "told to end"}'
+    return {'status': 'cancelled'} if urged else {'status': 'error', 'error': late}
 
 
 def read_result(path, token, exit_code=None, complaint=''):
