@@ -25,7 +25,7 @@ from zorvane_requests import CANCEL_IT, GO_ON, KILL_IT, POLL_S, Problem, clean_u
 
 REQUEST_SUFFIX = '.request'
 MOST_WAITING = 4096  # results that wait for an earlier one
-SIGNALS = [getattr(signal, name) for name in ('SIGINT', 'SIGTERM', 'SIGHUP') if hasattr(signal, name)]
+HANGUP = getattr(signal, 'SIGHUP', None)  # which Windows has not
 PROGRAM = 'zorvane.exe' if os.name == 'nt' else 'zorvane'
 # From the folder above this one: a build, the unpacked package, an installation's documents.
 PROGRAM_FOLDERS = ('build/release', '.', '../../../bin')
@@ -55,6 +55,7 @@ def find_engine(command):
     return engine
 
 
+
 def request_path(folder, number):
     return folder / f'{number:06}{REQUEST_SUFFIX}'
 
@@ -78,8 +79,10 @@ class Batch:
     def __enter__(self):
         if not shutil.which(self.engine[0]):
             raise Problem(f'there is no engine {self.engine[0]} to run: build it, or name it with --engine')
-        # What is ignored from the start, as by nohup, stays so.
-        self.handlers = {s: signal.signal(s, self._interrupt) for s in SIGNALS if signal.getsignal(s) != signal.SIG_IGN}
+        caught = [signal.SIGINT, signal.SIGTERM]
+        if HANGUP and signal.getsignal(HANGUP) != signal.SIG_IGN:  # else nohup wants it ignored
+            caught.append(HANGUP)
+        self.handlers = {number: signal.signal(number, self._interrupt) for number in caught}
         self.temporary = None if self.folder else tempfile.TemporaryDirectory(prefix='zorvane-')
         self.folder = self.folder or pathlib.Path(self.temporary.name)
         return self
