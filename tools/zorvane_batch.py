@@ -70,7 +70,6 @@ class Batch:
         self.engine, self.folder, self.jobs, self.keep, self.progress = engine, folder, jobs, keep, progress
         self.interrupts = 0
         self.leaving = self.ended = False
-        self.failure = None
         self.workers = self.started = self.given = 0
         self.finished = {}
         self.reading = threading.Lock()
@@ -105,8 +104,6 @@ class Batch:
             with self.changed:
                 while self.given + 1 not in self.finished:
                     if self.given == self.started and (self.ended or self.interrupts):
-                        if self.failure:
-                            raise self.failure
                         return
                     self.changed.wait(POLL_S)
                     self._show_progress()
@@ -139,8 +136,10 @@ class Batch:
                 number, request = self._take()
             if not number:
                 return
-            path = request_path(self.folder, number)
             try:
+                if isinstance(request, Exception):
+                    raise request
+                path = request_path(self.folder, number)
                 try:
                     result = run(self.engine, path, request, self._urgency)
                 finally:
@@ -153,14 +152,14 @@ class Batch:
                 self.changed.notify_all()
 
     def _take(self):
-        """The next number and request; none when nothing more is to be started."""
+        """The next number and request, or what was raised instead; none when nothing more is to be started."""
         with self.changed:
             while self.started - self.given >= MOST_WAITING + self.jobs and not self._urgency():
                 self.changed.wait(POLL_S)
         try:
             request = None if self.ended or self._urgency() else next(self.source, None)
         except Exception as problem:
-            request, self.failure = None, problem
+            request = problem
         with self.changed:
             if request is None or self._urgency():
                 self.ended = True
