@@ -1,6 +1,5 @@
 """Request files against the real program: outcomes, limits, failures made for real, cancelling."""
 import os
-import pathlib
 import resource
 import shutil
 import subprocess

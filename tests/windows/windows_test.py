@@ -1,6 +1,5 @@
 """What the Windows program does its own way; script/test-windows runs it under wine and a virtual screen."""
 import os
-import pathlib
 import subprocess
 import time
 import unittest
@@ -29,7 +28,8 @@ def start_as_a_person(*arguments):
 
 
 def windows_with(caption):
-    return subprocess.run(['xdotool', 'search', '--name', f'^{caption}$'], capture_output=True, text=True).stdout.split()
+    found = subprocess.run(['xdotool', 'search', '--name', f'^{caption}$'], capture_output=True, text=True)
+    return found.stdout.split()
 
 
 class StartBox(unittest.TestCase):
