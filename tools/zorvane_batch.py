@@ -27,8 +27,8 @@ REQUEST_SUFFIX = '.request'
 MOST_WAITING = 4096  # results that wait for an earlier one
 HANGUP = getattr(signal, 'SIGHUP', None)  # which Windows has not
 PROGRAM = 'zorvane.exe' if os.name == 'nt' else 'zorvane'
-# From the folder above this one: a build, the unpacked package, an installation's documents.
-PROGRAM_FOLDERS = ('build/release', '.', '../../../bin')
+# From the folder above this one: a build, the unpacked package for Windows, an installation.
+PROGRAM_FOLDERS = ('build/release', '.', '../bin')
 
 
 def split_command(command, windows=os.name == 'nt'):
