@@ -25,7 +25,7 @@ from zorvane_requests import CANCEL_IT, GO_ON, KILL_IT, POLL_S, Problem, clean_u
 
 REQUEST_SUFFIX = '.request'
 MOST_WAITING = 4096  # results that wait for an earlier one
-SIGNALS = [getattr(signal, name) for name in ('SIGINT', 'SIGTERM', 'SIGHUP') if hasattr(signal, name)]
+HANGUP = getattr(signal, 'SIGHUP', None)  # which Windows has not
 PROGRAM = 'zorvane.exe' if os.name == 'nt' else 'zorvane'
 # From the folder above this one: a build, the unpacked package, an installation's documents.
 PROGRAM_FOLDERS = ('build/release', '.', '../../../bin')
@@ -55,6 +55,7 @@ def find_engine(command):
     return engine
 
 
+
 def request_path(folder, number):
     return folder / f'{number:06}{REQUEST_SUFFIX}'
 
@@ -69,7 +70,6 @@ class Batch:
         self.engine, self.folder, self.jobs, self.keep, self.progress = engine, folder, jobs, keep, progress
         self.interrupts = 0
         self.leaving = self.ended = False
-        self.failure = None
         self.workers = self.started = self.given = 0
         self.finished = {}
         self.reading = threading.Lock()
@@ -78,8 +78,10 @@ class Batch:
     def __enter__(self):
         if not shutil.which(self.engine[0]):
             raise Problem(f'there is no engine {self.engine[0]} to run: build it, or name it with --engine')
-        # What is ignored from the start, as by nohup, stays so.
-        self.handlers = {s: signal.signal(s, self._interrupt) for s in SIGNALS if signal.getsignal(s) != signal.SIG_IGN}
+        caught = [signal.SIGINT, signal.SIGTERM]
+        if HANGUP and signal.getsignal(HANGUP) != signal.SIG_IGN:  # else nohup wants it ignored
+            caught.append(HANGUP)
+        self.handlers = {number: signal.signal(number, self._interrupt) for number in caught}
         self.temporary = None if self.folder else tempfile.TemporaryDirectory(prefix='zorvane-')
         self.folder = self.folder or pathlib.Path(self.temporary.name)
         return self
@@ -102,8 +104,6 @@ class Batch:
             with self.changed:
                 while self.given + 1 not in self.finished:
                     if self.given == self.started and (self.ended or self.interrupts):
-                        if self.failure:
-                            raise self.failure
                         return
                     self.changed.wait(POLL_S)
                     self._show_progress()
@@ -136,8 +136,10 @@ class Batch:
                 number, request = self._take()
             if not number:
                 return
-            path = request_path(self.folder, number)
             try:
+                if isinstance(request, Exception):
+                    raise request
+                path = request_path(self.folder, number)
                 try:
                     result = run(self.engine, path, request, self._urgency)
                 finally:
@@ -150,14 +152,14 @@ class Batch:
                 self.changed.notify_all()
 
     def _take(self):
-        """The next number and request; none when nothing more is to be started."""
+        """The next number and request, or what was raised instead; none when nothing more is to be started."""
         with self.changed:
             while self.started - self.given >= MOST_WAITING + self.jobs and not self._urgency():
                 self.changed.wait(POLL_S)
         try:
             request = None if self.ended or self._urgency() else next(self.source, None)
         except Exception as problem:
-            request, self.failure = None, problem
+            request = problem
         with self.changed:
             if request is None or self._urgency():
                 self.ended = True

@@ -27,6 +27,7 @@ LONGEST_TIME_MS = 300000
 MOST_HINTS = 256
 RESPONSE_LINES = 21
 NUMBERS = ('score', 'depth', 'nodes', 'elapsed_ms', 'reason', 'legal_moves')
+FILES, RANKS = 'abcdefgh', '87654321'
 MATE, LEAST_MATE = 900000, 800000
 NO_SEARCH = 'Keine gueltige Stellung oder kein legaler Zug'
 NO_SEARCH_MEANS = 'a move that is not legal, or mate or stalemate on the board'
@@ -169,10 +170,6 @@ def number(text):
     return int(value) if value.is_integer() else value
 
 
-def square(file, row):
-    return 'abcdefgh'[file] + '87654321'[row]
-
-
 def best_line(rows):
     """The moves of the response's last twelve lines, in coordinate text."""
     moves = []
@@ -180,8 +177,8 @@ def best_line(rows):
         counts, from_file, from_row, to_file, to_row, piece = map(int, row.split())
         if not counts:
             break
-        promotes = piece in (1, 11) and to_row in (0, 7)
-        moves.append(square(from_file, from_row) + square(to_file, to_row) + ('q' if promotes else ''))
+        promotion = 'q' if piece in (1, 11) and to_row in (0, 7) else ''
+        moves.append(FILES[from_file] + RANKS[from_row] + FILES[to_file] + RANKS[to_row] + promotion)
     return moves
 
 
