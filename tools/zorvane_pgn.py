@@ -19,13 +19,12 @@ ONE_LINE = '100000000'
 # What tells where games begin: tags behind moves. A comment that swallows the tags of a game was never closed.
 PIECE = re.compile(rb'(?P<tag>\[\s*\w+\s*"(?:\\.|[^"\\\n])*"\s*\])|(?P<line>;[^\n]*)|'
                    rb'(?P<other>\{(?:(?!\n\r?\n\[Event )[^}])*\}|^%[^\n]*|\s+)|(?P<moves>[^\s{;\[]+|.)', re.MULTILINE)
-TAG = re.compile(r'\[(\w+) "(.*)"\]')
-TOKEN = re.compile(r'\{[^}]*\}|[()]|\d+\.+|[^\s(){}]+')
-MOVE_NUMBER = re.compile(r'\d+\.+')
+TAG = re.compile(r'^\[(\w+) "(.*)"\]$', re.MULTILINE)
+TOKEN = re.compile(r'\d+\.+|(\{[^}]*\}|[()]|[^\s(){}]+)')  # nothing for a move number
 COORDINATES = re.compile(r'[a-h][1-8][a-h][1-8][QRBN]?[+#]?')
 RESULTS = ('1-0', '0-1', '1/2-1/2', '*')
 # A result that does not fit the game is no fault of the moves; behind it stands the name of the game.
-HARMLESS = re.compile(r'(File .*\n)?(Inconsistent result strings|Warning: Result of) .*\n.*\n?')
+HARMLESS = re.compile(r'(File .*\n)?(Inconsistent result strings|Warning: Result of) .*\n.*\n?(File .*\n?)?')
 
 
 @dataclasses.dataclass
@@ -36,14 +35,11 @@ class Ply:
     comments: list = dataclasses.field(default_factory=list)
     rest: list = dataclasses.field(default_factory=list)  # variations, and the comments between and behind them
 
-    def tokens(self):
-        return [self.move, *self.marks, *self.comments, *self.rest]
-
 
 @dataclasses.dataclass
 class Game:
-    number: int
-    line: int  # of the file, where it begins
+    number: int = 0  # in the file
+    line: int = 0  # of the file, where it begins or breaks
     problem: str = ''  # why it cannot be analysed
     tags: dict = dataclasses.field(default_factory=dict)  # values as in the file, with their backslashes
     opening: list = dataclasses.field(default_factory=list)  # comments before the first move
@@ -53,8 +49,8 @@ class Game:
 
     def text(self):
         tags = [f'[{name} "{value}"]' for name, value in self.tags.items()]
-        words = [*self.opening, *(token for ply in self.plies for token in ply.tokens()), self.result]
-        return '\n'.join([*tags, '', ' '.join(words), ''])
+        moves = (word for ply in self.plies for word in (ply.move, *ply.marks, *ply.comments, *ply.rest))
+        return '\n'.join([*tags, '', ' '.join([*self.opening, *moves, self.result]), ''])
 
     def tag(self, name):
         """The text that a tag stands for; empty when it is unknown."""
@@ -77,65 +73,51 @@ def pgn_extract(text, *options):
 def split_games(data):
     """The first line and the text of each game of a file. A comment to the end of a line gets braces, which
     pgn-extract asks for."""
-    data = data.removeprefix(b'\xef\xbb\xbf')
-    at, begin, pieces, moves_seen = 1, None, [], False
-    for piece in PIECE.finditer(data):
+    line, begin, pieces, moves_seen = 1, 1, [], False
+    for piece in PIECE.finditer(data.removeprefix(b'\xef\xbb\xbf')):
         kind, text = piece.lastgroup, piece[0]
         if kind == 'tag' and moves_seen:
-            yield begin, as_text(pieces)
-            pieces, moves_seen, begin = [], False, None
-        if begin is None and kind != 'other':
-            begin = at
+            yield begin, b''.join(pieces)
+            begin, pieces, moves_seen = line, [], False
         moves_seen |= kind == 'moves'
         pieces.append(text if kind != 'line' else b'{' + text[1:].strip().replace(b'}', b')') + b'}')
-        at += text.count(b'\n')
-    if begin is not None:
-        yield begin, as_text(pieces)
-
-
-def as_text(pieces):
-    data = b''.join(pieces)
-    try:
-        return data.decode()
-    except UnicodeDecodeError:
-        return data.decode('latin-1')
+        line += text.count(b'\n')
+    yield begin, b''.join(pieces)
 
 
 def read_games(path):
     """All games of a file in order; those that cannot be analysed have a problem and perhaps no moves."""
     number = 0
-    for line, text in split_games(path.read_bytes()):
+    for line, data in split_games(path.read_bytes()):
+        try:
+            text = data.decode()
+        except UnicodeDecodeError:
+            text = data.decode('latin-1')
         output, complaints = pgn_extract(text, '-Wlalg', '-w', ONE_LINE)
-        if complaints:
-            number += 1
-            place = re.search(r'Line number: (\d+)', complaints)
-            message = next((x for x in complaints.split('\n') if x and not x.startswith('File ')), complaints)
-            yield Game(number, line + int(place[1]) - 1 if place else line, message)
-            continue
-        for game in parse(output):
-            number += 1
+        for number, game in enumerate([Game()] if complaints else parse(output), number + 1):
             game.number, game.line = number, line
-            if game.tags.get('FEN', START_FEN) != START_FEN:
+            if complaints:
+                place = re.search(r'Line number: (\d+)', complaints)
+                game.line += int(place[1]) - 1 if place else 0
+                game.problem = next((x for x in complaints.split('\n') if not x.startswith('File ')), complaints)
+            elif game.tags.get('FEN', START_FEN) != START_FEN:
                 game.problem = 'it begins from a FEN, and a request counts moves from the initial position'
             yield game
 
 
 def parse(output):
-    """The games of a text that pgn-extract wrote with every movetext on one line, or of one game however wrapped."""
-    games = []
-    for block in re.split(r'\n\n+', output):
-        if block.startswith('['):
-            games.append(Game(0, 0, tags=dict(m.groups() for m in map(TAG.fullmatch, block.split('\n')) if m)))
-        elif games:
-            parse_moves(games[-1], block)
-    return games
+    """Give the games of a text that pgn-extract wrote."""
+    for text in re.split(r'\n\n(?=\[)', output):
+        tags, _, moves = text.partition('\n\n')
+        if tags:
+            game = Game(tags=dict(TAG.findall(tags)))
+            parse_moves(game, moves)
+            yield game
 
 
 def parse_moves(game, text):
     depth = 0
-    for token in TOKEN.findall(text):
-        if MOVE_NUMBER.fullmatch(token):
-            continue
+    for token in filter(None, TOKEN.findall(text)):
         mates = token.endswith('#')
         if COORDINATES.fullmatch(token):
             token = token.rstrip('+#').lower()

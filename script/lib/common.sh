@@ -43,7 +43,8 @@ install_build_tools() {
 
 # What running the tests needs, beside the build tools.
 install_test_tools() {
-  install_missing python3=python3 /usr/include/gtest/gtest.h=libgtest-dev parallel=parallel
+  install_missing python3=python3 /usr/include/gtest/gtest.h=libgtest-dev parallel=parallel \
+    /usr/games/pgn-extract=pgn-extract /usr/lib/python3/dist-packages/jinja2=python3-jinja2
 }
 
 # configure PRESET [CMAKE_ARGUMENT ...]
