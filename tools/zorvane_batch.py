@@ -10,6 +10,7 @@
 are held at a time. Results come in its order. What it raises, such as a Problem, comes out of `results` behind the
 results of all requests before it. zorvane_requests tells what a request and a result are.
 """
+import datetime
 import os
 import pathlib
 import re
@@ -175,7 +176,7 @@ class Progress:
     """A line on standard error: rewritten in place on a terminal, now and then elsewhere."""
 
     def __init__(self, total=None, quiet=False):
-        self.of = '' if total is None else f' of {total}'
+        self.total = total
         self.quiet = quiet or sys.stderr is None
         self.terminal = not self.quiet and sys.stderr.isatty()
         self.interval_s = 0.2 if self.terminal else 2.0
@@ -187,9 +188,13 @@ class Progress:
             return
         self.last = now
         self.wipe()
-        line_end = '' if self.terminal and not end else '\n'
-        print(f'{finished}{self.of} done, {running} running, {now - self.start:.1f} s', end=line_end,
-              file=sys.stderr, flush=True)
+        elapsed = now - self.start
+        of = f' of {self.total}' if self.total is not None else ''
+        text = f'{finished}{of} done, {running} running, {elapsed:.1f} s'
+        if finished and self.total and not end:
+            left = datetime.timedelta(seconds=round(elapsed / finished * (self.total - finished)))
+            text += f', {finished / elapsed:.3g} a second, {left} left'
+        print(text, end='' if self.terminal and not end else '\n', file=sys.stderr, flush=True)
 
     def wipe(self):
         """Make room for a line of other text."""
