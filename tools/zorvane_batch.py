@@ -10,7 +10,6 @@
 are held at a time. Results come in its order. What it raises, such as a Problem, comes out of `results` behind the
 results of all requests before it. zorvane_requests tells what a request and a result are.
 """
-import datetime
 import os
 import pathlib
 import re
@@ -192,8 +191,8 @@ class Progress:
         of = f' of {self.total}' if self.total is not None else ''
         text = f'{finished}{of} done, {running} running, {elapsed:.1f} s'
         if finished and self.total and not end:
-            left = datetime.timedelta(seconds=round(elapsed / finished * (self.total - finished)))
-            text += f', {finished / elapsed:.3g} a second, {left} left'
+            minutes, seconds = divmod(round(elapsed / finished * (self.total - finished)), 60)
+            text += f', {finished / elapsed:.3g} a second, {minutes}:{seconds:02} left'
         print(text, end='' if self.terminal and not end else '\n', file=sys.stderr, flush=True)
 
     def wipe(self):
