@@ -66,14 +66,15 @@ class Analyse(RequestCase):
         """Stopped by Ctrl-C, then by a kill, then the rest as printed jobs: nothing is asked twice."""
         out, folder = self.folder / 'out.pgn', self.folder / 'a folder'
         answers = folder / 'zorvane.answers'
+        slow = shlex.join(['sh', '-c', f'sleep 0.1; exec {shlex.join(ENGINE)} "$@"', 'slow'])
         for stop, code in ((signal.SIGINT, 130), (signal.SIGKILL, -signal.SIGKILL)):
             known = answers.read_text().count('\n') if answers.exists() else 0
-            with subprocess.Popen([*ANALYSE, '--depth', '3', GAMES, '--pgn', out, '--jobs', '1', '--folder', folder],
-                                  stderr=subprocess.DEVNULL, env=self.environment) as process:
+            with subprocess.Popen([*ANALYSE, '--engine', slow, '--depth', '3', GAMES, '--pgn', out, '--jobs', '1',
+                                   '--folder', folder], stderr=subprocess.DEVNULL, env=self.environment) as process:
                 end = time.monotonic() + HANG_S
                 while not answers.exists() or answers.read_text().count('\n') < known + 5:
                     self.assertLess(time.monotonic(), end)
-                    time.sleep(0.002)
+                    time.sleep(0.01)
                 process.send_signal(stop)
             self.assertEqual((process.returncode, out.exists()), (code, False))
         with open(answers, 'a') as file:
