@@ -8,12 +8,14 @@ else()
 endif()
 install(PROGRAMS $<TARGET_FILE:zorvane> DESTINATION ${program_folder}
   RENAME ${ZORVANE_INSTALL_NAME}${CMAKE_EXECUTABLE_SUFFIX})
-# README refers to these as docs/... and tools/...; the host looks for its modules, and for the program, from there.
+# README refers to these as docs/... and tools/...; the tools look for their modules, and for the program, from there.
 install(FILES README.md DESTINATION ${document_folder})
 install(FILES docs/request-protocol.md docs/performance.md docs/nodes-per-second.svg docs/time-to-depth.svg
+  docs/analysis-page.png
   DESTINATION ${document_folder}/docs)
-install(PROGRAMS tools/zorvane-host DESTINATION ${document_folder}/tools)
-install(FILES tools/zorvane_batch.py tools/zorvane_requests.py DESTINATION ${document_folder}/tools)
+install(PROGRAMS tools/zorvane-host tools/zorvane-analyse DESTINATION ${document_folder}/tools)
+install(FILES tools/zorvane_batch.py tools/zorvane_requests.py tools/zorvane_pgn.py tools/zorvane-analyse.html.j2
+  DESTINATION ${document_folder}/tools)
 
 set(ZORVANE_PACKAGE_WITH "" CACHE PATH "Another build folder whose program goes into the package as well")
 
