@@ -27,8 +27,8 @@ REQUEST_SUFFIX = '.request'
 MOST_WAITING = 4096  # results that wait for an earlier one
 HANGUP = getattr(signal, 'SIGHUP', None)  # which Windows has not
 PROGRAM = 'zorvane.exe' if os.name == 'nt' else 'zorvane'
-# From the folder above this one: a build, the unpacked package, an installation's documents.
-PROGRAM_FOLDERS = ('build/release', '.', '../../../bin')
+# From the folder above this one: a build, the unpacked package for Windows, an installation.
+PROGRAM_FOLDERS = ('build/release', '.', '../bin')
 
 
 def split_command(command, windows=os.name == 'nt'):
@@ -177,7 +177,7 @@ class Progress:
     """A line on standard error: rewritten in place on a terminal, now and then elsewhere."""
 
     def __init__(self, total=None, quiet=False):
-        self.of = '' if total is None else f' of {total}'
+        self.total = total
         self.quiet = quiet or sys.stderr is None
         self.terminal = not self.quiet and sys.stderr.isatty()
         self.interval_s = 0.2 if self.terminal else 2.0
@@ -189,9 +189,13 @@ class Progress:
             return
         self.last = now
         self.wipe()
-        line_end = '' if self.terminal and not end else '\n'
-        print(f'{finished}{self.of} done, {running} running, {now - self.start:.1f} s', end=line_end,
-              file=sys.stderr, flush=True)
+        elapsed = now - self.start
+        of = f' of {self.total}' if self.total is not None else ''
+        text = f'{finished}{of} done, {running} running, {elapsed:.1f} s'
+        if finished and self.total and not end:
+            minutes, seconds = divmod(round(elapsed / finished * (self.total - finished)), 60)
+            text += f', {finished / elapsed:.3g} a second, {minutes}:{seconds:02} left'
+        print(text, end='' if self.terminal and not end else '\n', file=sys.stderr, flush=True)
 
     def wipe(self):
         """Make room for a line of other text."""
