@@ -106,6 +106,12 @@ class Analyse(RequestCase):
             self.assertEqual((len(self.complaints), complaint in self.complaints[0]), (1, True))
         self.assertEqual((out.read_text(), page.exists()), ('precious', False))
 
+    def test_many_games(self):
+        games, out = self.folder / 'many.pgn', self.folder / 'out.pgn'
+        games.write_text('[Event "short"]\n\n1. e4 *\n\n' * 1000)
+        self.analyse('--pgn', out, games=games)
+        self.assertEqual((self.complaints, out.read_text().count('%eval')), ([], 1000))
+
     def test_a_game_too_long(self):
         """10,000 half-moves, of which a request holds 3272."""
         games, out = self.folder / 'long.pgn', self.folder / 'out.pgn'

@@ -63,7 +63,7 @@ def pgn_extract(text, *options):
     program = shutil.which('pgn-extract') or shutil.which('pgn-extract', path='/usr/games')
     if not program:
         raise Problem('there is no pgn-extract to read games: install it (Debian has a package of that name)')
-    done = subprocess.run([program, '-s', *options], input=text.encode(), capture_output=True)
+    done = subprocess.run([program, '-s', '--quiet', *options], input=text.encode(), capture_output=True)
     complaints = HARMLESS.sub('', done.stderr.decode('utf-8', 'replace'))
     if done.returncode < 0:
         complaints += f'pgn-extract was ended by signal {-done.returncode}'
