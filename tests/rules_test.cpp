@@ -21,8 +21,8 @@ class RulesTest : public EngineTest {};
 Bitboard Walk(int square, std::initializer_list<std::array<int, 2>> steps) {
   Bitboard seen = 0;
   for (const auto &[across, down] : steps) {
-    for (int file = FileOf(square) + across, row = RowOf(square) + down;
-         file >= 0 && file < 8 && row >= 0 && row < 8; file += across, row += down) {
+    for (int file = FileOf(square) + across, row = RowOf(square) + down; file >= 0 && file < 8 && row >= 0 && row < 8;
+         file += across, row += down) {
       seen |= Bit(MakeSquare(file, row));
       if (PieceOn(MakeSquare(file, row)) != kNoPiece)
         break;
