@@ -1,89 +1,47 @@
-"""The two charts of docs/performance.md, written as SVG."""
+"""The two charts of docs/performance.md, as SVG. The same numbers make the same file."""
 
-import math
-from html import escape
+import matplotlib
+from matplotlib import pyplot
 
-from measure import three_digits
+OWN, OTHER, GRID = "#1f6feb", "#a3b1c2", "#e4e7eb"
 
-WIDTH = 720
-INK, MUTED, GRID = "#1f2933", "#616e7c", "#e4e7eb"
-OWN, OTHER = "#1f6feb", "#a3b1c2"
-
-
-def text(x, y, content, size=13, fill=INK, anchor="start", weight="normal"):
-    return (
-        f'<text x="{x:.1f}" y="{y:.1f}" font-size="{size}" fill="{fill}" '
-        f'text-anchor="{anchor}" font-weight="{weight}">{escape(content)}</text>'
-    )
+matplotlib.use("svg")
+pyplot.rcParams.update({
+    "svg.hashsalt": "zorvane", "svg.fonttype": "none", "font.sans-serif": ["DejaVu Sans"], "font.size": 10,
+    "axes.titlelocation": "left", "axes.titlesize": 10, "axes.titleweight": "bold",
+    "axes.spines.top": False, "axes.spines.right": False, "axes.spines.bottom": False,
+})
 
 
-def line(x1, y1, x2, y2, stroke, width=1):
-    return f'<path d="M{x1:.1f} {y1:.1f}L{x2:.1f} {y2:.1f}" stroke="{stroke}" stroke-width="{width}"/>'
+def save(figure, title, path):
+    figure.suptitle(title, x=0.01, ha="left", fontsize=13, weight="bold")
+    figure.savefig(path, metadata={"Title": title, "Date": None, "Creator": None})
 
 
-def document(height, title, subtitle, parts):
-    head = (
-        f'<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 {WIDTH} {height}" width="{WIDTH}" '
-        f'height="{height}" font-family="Helvetica, Arial, sans-serif" role="img">'
-    )
-    frame = [
-        f"<title>{escape(title)}</title>",
-        f'<rect width="{WIDTH}" height="{height}" fill="#ffffff"/>',
-        text(24, 34, title, 18, weight="bold"),
-        text(24, 56, subtitle, 13, MUTED),
-    ]
-    return "\n".join([head, *frame, *parts, "</svg>", ""])
+def bar_chart(title, panels, label, path):
+    """panels: heading to the values by name, the first of them our own; each panel has its own scale."""
+    figure, rows = pyplot.subplots(len(panels), figsize=(7.2, 0.4 + 1.2 * len(panels)), squeeze=False,
+                                   layout="constrained")
+    for axes, (heading, values) in zip(rows.flat, panels.items()):
+        bars = axes.barh(list(values), values.values(), color=[OWN] + [OTHER] * (len(values) - 1))
+        axes.bar_label(bars, map(label, values.values()), padding=6)
+        axes.set_title(heading)
+        axes.invert_yaxis()
+        axes.margins(x=0.25)
+        axes.tick_params(bottom=False, labelbottom=False, left=False)
+    save(figure, title, path)
 
 
-def bar_chart(title, subtitle, panels):
-    """panels: (heading, [(label, value, is own)]); each panel has its own scale."""
-    left, right, step, bar = 215, WIDTH - 110, 30, 20
-    parts, y = [], 92
-    for heading, bars in panels:
-        parts.append(text(24, y, heading, 13, weight="bold"))
-        scale = (right - left) / max(value for _, value, _ in bars)
-        y += 14
-        parts.append(line(left, y - 2, left, y + step * len(bars) - 8, MUTED))
-        for label, value, own in bars:
-            parts.append(text(left - 10, y + 15, label, anchor="end"))
-            fill, length = OWN if own else OTHER, value * scale
-            parts.append(
-                f'<rect x="{left}" y="{y}" width="{length:.1f}" height="{bar}" fill="{fill}"/>'
-            )
-            parts.append(text(left + length + 8, y + 15, f"{three_digits(value)} million", weight="bold"))
-            y += step
-        y += 34
-    return document(y - 12, title, subtitle, parts)
-
-
-def duration(seconds):
-    return f"{seconds:.2f} s" if seconds >= 1 else f"{seconds * 1000:.3g} ms"
-
-
-def log_chart(title, subtitle, x_label, points):
-    """points: (whole x, seconds), drawn as a line over a logarithmic scale of whole decades."""
-    left, right, top, bottom = 84, WIDTH - 44, 86, 362
-    low = math.floor(math.log10(min(seconds for _, seconds in points)))
-    high = math.ceil(math.log10(max(seconds for _, seconds in points)))
-    first, last = points[0][0], points[-1][0]
-
-    def place(x, seconds):
-        across = (x - first + 0.6) / (last - first + 0.9)
-        up = (math.log10(seconds) - low) / max(high - low, 1)
-        return left + across * (right - left), bottom - up * (bottom - top)
-
-    parts = []
-    for decade in range(low, high + 1):
-        y = place(first, 10.0**decade)[1]
-        label = f"{10**decade} s" if decade >= 0 else f"{10.0 ** (decade + 3):g} ms"
-        parts.append(line(left, y, right, y, MUTED if decade == low else GRID))
-        parts.append(text(left - 10, y + 4, label, 12, MUTED, "end"))
-    places = [place(*point) for point in points]
-    path = " ".join(f"{x:.1f},{y:.1f}" for x, y in places)
-    parts.append(f'<polyline points="{path}" fill="none" stroke="{OWN}" stroke-width="2.5"/>')
-    for (x, y), (depth, seconds) in zip(places, points):
-        parts.append(f'<circle cx="{x:.1f}" cy="{y:.1f}" r="4.5" fill="{OWN}"/>')
-        parts.append(text(x + 4, y - 12, duration(seconds), 12, anchor="end", weight="bold"))
-        parts.append(text(x, bottom + 20, str(depth), 12, MUTED, "middle"))
-    parts.append(text((left + right) / 2, bottom + 44, x_label, 13, MUTED, "middle"))
-    return document(bottom + 62, title, subtitle, parts)
+def log_chart(title, heading, x_label, values, label, path):
+    """values: by whole numbers, drawn as a line over a logarithmic scale."""
+    figure, axes = pyplot.subplots(figsize=(7.2, 4.2), layout="constrained")
+    axes.semilogy(list(values), values.values(), "o-", color=OWN, linewidth=2)
+    for x, y in values.items():
+        axes.annotate(label(y), (x, y), (4, 8), textcoords="offset points", ha="right", weight="bold")
+    axes.yaxis.set_major_formatter(lambda y, _: label(y))
+    axes.minorticks_off()
+    axes.grid(axis="y", color=GRID)
+    axes.margins(x=0.14, y=0.15)
+    axes.set_title(heading)
+    axes.set_xlabel(x_label)
+    save(figure, title, path)

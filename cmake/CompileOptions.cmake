@@ -1,10 +1,10 @@
 # How the engine's targets are compiled and linked.
-# Processor, warnings and sanitizers: for every target.
+# Rounding, warnings and sanitizers: for every target.
 function(zorvane_compile_options target)
-  # A fused multiply-add rounds once where the portable build rounds twice;
-  # the evaluation must be the same on every processor.
+  # A fused multiply-add rounds once where processors without it round twice;
+  # the evaluation must be the same on every one.
   target_compile_options(${target} PRIVATE
-    -march=${ZORVANE_ARCH} -ffp-contract=off
+    -ffp-contract=off
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
   if(ZORVANE_SANITIZE)
     # gcc loses sight of value ranges behind its own checks and then warns of

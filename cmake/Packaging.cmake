@@ -6,13 +6,13 @@ else()
   set(program_folder ${CMAKE_INSTALL_BINDIR})
   set(document_folder ${CMAKE_INSTALL_DOCDIR})
 endif()
-install(PROGRAMS $<TARGET_FILE:zorvane> DESTINATION ${program_folder}
-  RENAME ${ZORVANE_INSTALL_NAME}${CMAKE_EXECUTABLE_SUFFIX})
-# README refers to the protocol as docs/request-protocol.md.
+install(PROGRAMS $<TARGET_FILE:zorvane> DESTINATION ${program_folder})
+# README refers to these as docs/... and tools/...; the host looks for its modules, and for the program, from there.
 install(FILES README.md DESTINATION ${document_folder})
-install(FILES docs/request-protocol.md DESTINATION ${document_folder}/docs)
-
-set(ZORVANE_PACKAGE_WITH "" CACHE PATH "Another build folder whose program goes into the package as well")
+install(FILES docs/request-protocol.md docs/performance.md docs/nodes-per-second.svg docs/time-to-depth.svg
+  DESTINATION ${document_folder}/docs)
+install(PROGRAMS tools/zorvane-host DESTINATION ${document_folder}/tools)
+install(FILES tools/zorvane_batch.py tools/zorvane_requests.py DESTINATION ${document_folder}/tools)
 
 if(WIN32)
   set(CPACK_GENERATOR ZIP)
@@ -25,8 +25,4 @@ set(CPACK_PACKAGE_NAME zorvane)
 set(CPACK_PACKAGE_FILE_NAME "zorvane-${PROJECT_VERSION}-${package_system}")
 set(CPACK_PACKAGE_CHECKSUM SHA256)
 set(CPACK_VERBATIM_VARIABLES ON)
-set(CPACK_INSTALL_CMAKE_PROJECTS "${PROJECT_BINARY_DIR};zorvane;ALL;/")
-if(ZORVANE_PACKAGE_WITH)
-  list(APPEND CPACK_INSTALL_CMAKE_PROJECTS "${ZORVANE_PACKAGE_WITH};zorvane;ALL;/")
-endif()
 include(CPack)

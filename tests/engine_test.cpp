@@ -8,6 +8,7 @@
 #include <random>
 #include <sstream>
 
+#include "board/fen.h"
 #include "board/legal_moves.h"
 #include "frontend/engine_main.h"
 #include "search/stop_control.h"
@@ -19,7 +20,8 @@ static std::mt19937 Generator;
 void EngineTest::SetUp() {
   Generator.seed(20);
   StartEngine();
-  StopFlag = 0;
+  ClearStopRequest();
+  ResetStopControl();
 }
 
 int RandomBelow(int limit) { return static_cast<int>(Generator() % static_cast<unsigned>(limit)); }
@@ -91,15 +93,12 @@ void ForEachPosition(const std::function<void()> &visit) {
 
 std::vector<PackedMove> LegalMoveList(Side side) {
   MoveSets sets;
-  if (side == kWhite)
-    SetLegalMoves<kWhite>(sets, FindKingDanger<kWhite>());
-  else
-    SetLegalMoves<kBlack>(sets, FindKingDanger<kBlack>());
+  GenerateLegalMoves(sets, side);
   std::vector<PackedMove> moves;
   for (Bitboard froms = sets.Froms; froms != 0;) {
-    const int from = PopSquare(froms);
-    for (Bitboard targets = sets.Targets[static_cast<unsigned>(from)]; targets != 0;)
-      moves.push_back(PackMove(from, PopSquare(targets)));
+    const int from = PopLsb(froms);
+    for (Bitboard targets = sets.Targets[from]; targets != 0;)
+      moves.push_back(PackMove(from, PopLsb(targets)));
   }
   return moves;
 }

@@ -1,6 +1,7 @@
 // What the recorded evaluations cannot show: caches and bounds change nothing, and neither side is favoured.
 #include <algorithm>
 
+#include "board/fen.h"
 #include "engine_test.h"
 #include "evaluation/evaluate.h"
 #include "evaluation/king_terms.h"
@@ -14,16 +15,15 @@ class EvaluationTest : public EngineTest {};
 
 TEST_F(EvaluationTest, CacheAndRangeChangeNothing) {
   ForEachPosition([] {
-    PawnCacheEnabled = false;
-    const int exact = ComputeEvaluation();
-    PawnCacheEnabled = true;
-    EXPECT_EQ(ComputeEvaluation(), exact);
-    EXPECT_EQ(ComputeEvaluation(), exact);
+    EnablePawnCache(false);
+    const int exact = Evaluate();
+    EnablePawnCache(true);
+    EXPECT_EQ(Evaluate(), exact);
+    EXPECT_EQ(Evaluate(), exact);
     for (int i = 0; i < 12; ++i) {
       const int floor = exact - 400 + RandomBelow(700);
       const ScoreRange range{floor, floor + 1 + RandomBelow(300)};
-      EXPECT_EQ(std::clamp(EvaluateWithin(range), range.Floor, range.Ceiling),
-                std::clamp(exact, range.Floor, range.Ceiling));
+      EXPECT_EQ(std::clamp(Evaluate(range), range.Floor, range.Ceiling), std::clamp(exact, range.Floor, range.Ceiling));
     }
   });
 }
@@ -31,9 +31,9 @@ TEST_F(EvaluationTest, CacheAndRangeChangeNothing) {
 TEST_F(EvaluationTest, TheMirroredPositionIsWorthTheOpposite) {
   ForEachPosition([] {
     const bool fractional = CurrentPawnStructure().IsFractional; // the order of the sum decides its last unit
-    const int score = ComputeEvaluation();
+    const int score = Evaluate();
     ASSERT_TRUE(LoadFen(MirroredFen().c_str()));
-    EXPECT_LE(Absolute(ComputeEvaluation() + score), fractional ? 1 : 0);
+    EXPECT_LE(Absolute(Evaluate() + score), fractional ? 1 : 0);
   });
 }
 
@@ -43,7 +43,7 @@ TEST_F(EvaluationTest, TermsKeepTheirLimits) {
     const PawnStructure &pawns = CurrentPawnStructure();
     const int pawnTerms = PawnPhaseScore(pawns, phase);
     EXPECT_TRUE(pawnTerms >= pawns.LowestPhaseTerms && pawnTerms <= pawns.HighestPhaseTerms);
-    EXPECT_LE(Absolute(KingPlaceTerm<kWhite>(phase) - KingPlaceTerm<kBlack>(phase)), kKingPlaceSpread);
+    EXPECT_LE(Absolute(KingPlacementTerm<kWhite>(phase) - KingPlacementTerm<kBlack>(phase)), kKingPlacementSpread);
     EXPECT_LE(KingAttackPenalty<kWhite>(phase), HighestAttackPenalty<kWhite>(phase));
     EXPECT_LE(KingAttackPenalty<kBlack>(phase), HighestAttackPenalty<kBlack>(phase));
   });

@@ -10,8 +10,12 @@ import sys
 import threading
 import time
 import unittest
+import unittest.mock
 
 from engine_process import ENGINE, HANG_S, LONG_SEARCH, ROOT, RequestCase, comparable, request_text
+
+sys.path.insert(0, str(ROOT / 'tools'))
+import zorvane_requests
 
 HOST = [sys.executable, str(ROOT / 'tools' / 'zorvane-host'), '--engine', shlex.join(ENGINE)]
 ENDLESS = LONG_SEARCH + ' depth=8 time=300000'
@@ -39,27 +43,34 @@ class Host(RequestCase):
         self.assertEqual(self.complaint, '')
 
     def test_json_and_input_lines(self):
-        text = ('# a comment\nf2f3 e7e5 g2g4 depth=4\n\nposition startpos moves e2e4 e2e4\n'
-                'e2e4 depth=9\nf2f3 e7e5 g2g4 d8h4\na2a4 b7b5 a4b5 a7a6 b5a6 c8b7 a6b7 h7h6\n')
+        text = ('\ufeff# a comment\r\nf2f3 e7e5 g2g4 depth=4\r\n\nposition startpos moves e2e4 e2e4 # and another\n'
+                ' # e4\ne2e4 depth=9\nf2f3 e7e5 g2g4 d8h4\na2a4 b7b5 a4b5 a7a6 b5a6 c8b7 a6b7 h7h6\n')
         results = [json.loads(line) for line in self.host('--file', '-', '--json', '--depth', '1', text=text, code=1)]
         mate, refused, deep, mated, promotion = results
         self.assertEqual([r['number'] for r in results], [1, 2, 3, 4, 5])
         del mate['elapsed_ms']
         self.assertEqual(mate, {
-            'number': 1, 'moves': ['f2f3', 'e7e5', 'g2g4'], 'status': 'ok', 'move': 'd8h4', 'score': -899999,
-            'depth': 1, 'nodes': 59, 'reason': 0, 'legal_moves': 30, 'line': ['d8h4']})
+            'number': 1, 'place': 'standard input:2', 'moves': ['f2f3', 'e7e5', 'g2g4'], 'status': 'ok',
+            'move': 'd8h4', 'score': -899999, 'depth': 1, 'nodes': 59, 'reason': 0, 'legal_moves': 30,
+            'line': ['d8h4']})
         for result in (refused, mated):
             self.assertEqual(result['error'], 'Keine gueltige Stellung oder kein legaler Zug')
         self.assertEqual((deep['error'], deep['exit_code']), ('Search parameters out of range', 2))
         self.assertEqual((promotion['move'], promotion['line']), ('b7a8q', ['b7a8q']))
+        lines = self.host('--file', '-', '--depth', '1', text=text, code=1)
+        self.assertEqual(lines[0], '1: d8h4 score mate -1 depth 1 nodes 59 reason 0 line d8h4 (standard input:2)')
+        self.assertEqual(lines[1], '2: error: Keine gueltige Stellung oder kein legaler Zug (a move that is not legal, '
+                                   'or mate or stalemate on the board) (standard input:4)')
 
     def test_wrong_use(self):
-        hints = self.folder / 'hints'
-        hints.write_text('e2e4 1\n')
+        hints, latin = self.folder / 'hints', self.folder / 'latin'
+        hints.write_text('e2e4 1 2\nNf3 8 0\n')
+        latin.write_bytes(b'e2e4\n# Gr\xfc\xdfe\n')
         for arguments, complaint in {
                 (): 'give either moves or --file', ('e2e4', 'fen'): '"fen" is no move',
                 ('e2e4', 'ponder=1'): 'unknown word "ponder=1"', ('e2e4', 'depth=x'): 'depth=x is no number',
-                ('e2e4', '--hints', str(hints)): 'a hint is', ('e2e4',) * 4000: 'do not fit',
+                ('e2e4', '--hints', str(hints)): 'hints:2: a hint is', ('--file', str(latin)): 'latin:2: ',
+                ('e4',): 'as in g1f3', ('e2e4', '--engine', ''): 'empty', ('e2e4', '--engine', 'a "b'): 'quotation', ('e2e4',) * 4000: 'do not fit',
                 ('e2e4', '--engine', 'no-such-engine'): 'there is no engine',
                 ('--file', str(self.folder / 'none')): 'No such file',
                 ('--collect', str(self.folder)): 'holds no requests',
@@ -85,25 +96,46 @@ class Host(RequestCase):
             host.send_signal(signal.SIGINT)
             rest = host.communicate(timeout=HANG_S)[0].splitlines()
         self.assertTrue(first.startswith('1: '))
-        self.assertEqual(rest, [f'{n}: cancelled' for n in range(2, 7)])
+        self.assertEqual(rest, [f'{n}: cancelled ({lines}:{n})' for n in (2, 3)])
         self.assertEqual((host.returncode, list(folder.iterdir())), (130, []))
+
+    def test_watchdog(self):
+        """An engine beyond its time is cancelled, and killed when it does not heed that."""
+        with unittest.mock.patch.multiple(zorvane_requests, LONGEST_TIME_MS=1, OVERDUE_S=0.2, HEED_CANCEL_S=2):
+            for engine, end in (ENGINE, 'told to end'), (['sh', '-c', 'sleep 1000 & wait'], 'killed'):
+                request = zorvane_requests.Request(LONG_SEARCH.split())
+                self.assertIn(end, zorvane_requests.run(engine, self.folder / 'r', request)['error'])
 
     def test_job_lines(self):
         if not shutil.which('parallel'):
             self.skipTest('GNU parallel is not installed')
         lines, folder = self.folder / 'lines', str(self.folder / 'a shared folder')
         lines.write_text(''.join(' '.join(words) + '\n' for words in QUICK))
-        jobs = self.host('--file', str(lines), '--depth', '2', '--folder', folder, '--print-jobs')
-        self.assertEqual(self.host('--collect', folder, code=1), [f'{n + 1}: missing' for n in range(len(QUICK))])
-        self.host('--file', str(lines), '--folder', folder, '--print-jobs', code=2)
+        print_jobs = ('--file', str(lines), '--depth', '2', '--folder', folder, '--print-jobs')
+        jobs = self.host(*print_jobs)
+        self.host(*print_jobs, code=2)
         self.assertIn('already holds', self.complaint)
         home = os.environ | {'HOME': str(self.folder)}
-        subprocess.run(['parallel', '--will-cite', '--jobs', '2', '--sshlogin', ':'], input='\n'.join(jobs),
-                       text=True, check=True, timeout=HANG_S, env=home)
-        direct = self.host('--file', str(lines), '--depth', '2')
-        self.assertEqual(self.host('--collect', folder, '--keep'), direct)
-        self.assertEqual(self.host('--collect', folder), direct)
-        self.assertEqual(os.listdir(folder), [])
+        run = functools.partial(subprocess.run, ['parallel', '--will-cite', '--jobs', '2', '--sshlogin', ':'],
+                                text=True, timeout=HANG_S, env=home)
+        want = self.host('--file', str(lines), '--depth', '2')
+        # The first is cancelled, the second killed; the others run, and are run again.
+        want[:2] = f'1: cancelled ({lines}:1)', f'2: missing ({lines}:2)'
+        first, second = (os.path.join(folder, f'00000{n}.request') for n in (1, 2))
+        os.remove(first)
+        for name in (first + '.error.txt', second + '.response.tmp', os.path.join(folder, 'no.request')):
+            with open(name, 'w') as file:
+                file.write('left')
+        run(input='\n'.join(jobs[2:] * 2), check=True)
+        for options in (['--keep'], []):
+            self.assertEqual(self.host('--collect', folder, *options, code=1), want)
+            self.assertIn('11 answered, 0 failed, 1 cancelled, 1 missing', self.complaint)
+        self.assertEqual(self.host('--folder', folder, '--print-jobs'), jobs[1:2])
+        run(input=jobs[1], check=True)
+        self.assertEqual(len(self.host('--collect', folder)), 1)
+        self.assertEqual(os.listdir(folder), ['no.request'])
+        run(input=jobs[2])
+        self.assertEqual(self.host(*print_jobs), jobs)
 
     def test_a_thousand_requests(self):
         """Four at a time, every 25th endless until something else cancels it."""
@@ -138,7 +170,7 @@ class Host(RequestCase):
 
         for n, line in enumerate(words):
             if n in endless:
-                self.assertEqual(output[n], f'{n + 1}: cancelled')
+                self.assertEqual(output[n], f'{n + 1}: cancelled ({lines}:{n + 1})')
                 self.assertEqual(list(folder.glob(f'{n + 1:06}.*')), [])
             else:
                 response = (folder / f'{n + 1:06}.request.response').read_text()

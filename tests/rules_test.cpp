@@ -2,43 +2,20 @@
 #include <algorithm>
 #include <numeric>
 
+#include "board/fen.h"
+#include "board/legal_moves.h"
 #include "board/move_text.h"
 #include "board/perft.h"
 #include "board/position_key.h"
 #include "board/rules.h"
 #include "engine_test.h"
-#include "quiescence/check_targets.h"
-#include "quiescence/predicates.h"
-#include "search/root_search.h"
+#include "quiescence/check_squares.h"
 
 using namespace zorvane;
 
 namespace {
 
 class RulesTest : public EngineTest {};
-
-// The squares that a slider sees, by walking.
-Bitboard Walk(int square, std::initializer_list<std::array<int, 2>> steps) {
-  Bitboard seen = 0;
-  for (const auto &[across, down] : steps) {
-    for (int file = FileOf(square) + across, row = RowOf(square) + down; file >= 0 && file < 8 && row >= 0 && row < 8;
-         file += across, row += down) {
-      seen |= Bit(MakeSquare(file, row));
-      if (PieceOn(MakeSquare(file, row)) != kNoPiece)
-        break;
-    }
-  }
-  return seen;
-}
-
-TEST_F(RulesTest, Sliders) {
-  ForEachPosition([] {
-    for (int square = 0; square < kSquares; ++square) {
-      EXPECT_EQ(RookAttacks(square, Occupied()), Walk(square, {{0, 1}, {0, -1}, {1, 0}, {-1, 0}}));
-      EXPECT_EQ(BishopAttacks(square, Occupied()), Walk(square, {{1, 1}, {1, -1}, {-1, 1}, {-1, -1}}));
-    }
-  });
-}
 
 // Move sets by pins and checkers against the test of each pair of squares.
 TEST_F(RulesTest, LegalMoves) {
@@ -49,7 +26,9 @@ TEST_F(RulesTest, LegalMoves) {
         if (IsLegalMoveOf(side, move))
           moves.push_back(move);
       EXPECT_EQ(LegalMoveList(side), moves);
-      EXPECT_EQ(CountLegalMoves(side), static_cast<int>(moves.size()));
+      MoveSets sets;
+      GenerateLegalMoves(sets, side);
+      EXPECT_EQ(CountMoves(sets), static_cast<int>(moves.size()));
       EXPECT_EQ(HasLegalMove(side), !moves.empty());
       SideToMove = side;
       EXPECT_EQ(Perft(1), std::accumulate(moves.begin(), moves.end(), 0U, [](unsigned sum, PackedMove move) {
@@ -63,7 +42,7 @@ TEST_F(RulesTest, LegalMoves) {
 template <Side Us> void CompareChecks() {
   if (IsInCheck(Opposite(Us)))
     return;
-  const CheckTargets checks = FindCheckTargets<Us>();
+  const CheckSquares checks = FindCheckSquares<Us>();
   for (const PackedMove move : LegalMoveList(Us)) {
     const int from = FromOf(move);
     const int to = ToOf(move);
@@ -71,7 +50,7 @@ template <Side Us> void CompareChecks() {
     const bool compound = (type == kPawn && (Contains(kLastRows, to) || IsEnPassantMove(from, to))) ||
                           (type == kKing && Absolute(from - to) == 2);
     if (!compound) {
-      EXPECT_EQ(Contains(CheckingTargets(checks, from, type), to), MoveGivesCheck(3, from, to)) << from << ' ' << to;
+      EXPECT_EQ(Contains(CheckingTargetsOf(checks, from, type), to), MoveGivesCheck(3, from, to)) << from << ' ' << to;
     }
   }
 }
@@ -100,7 +79,7 @@ TEST_F(RulesTest, EveryMoveKeepsTheSums) {
       const BoardState made = Position;
       Position = {};
       for (int square = 0; square < kSquares; ++square)
-        if (const Piece piece = made.Board[static_cast<unsigned>(square)]; piece != kNoPiece)
+        if (const Piece piece = made.Board[square]; piece != kNoPiece)
           PutPiece(square, piece);
       Position.HalfmoveClock = made.HalfmoveClock;
       Position.MovedFlags = made.MovedFlags;
@@ -161,7 +140,7 @@ PackedMove WaveringMove(const std::vector<PackedMove> &played) {
 
 // On a search line below the game: as often as the key has been there.
 void CompareCountsOnALine(std::vector<PositionKey> keys, std::vector<PackedMove> played) {
-  for (int ply = 1; ply < kUndoLevels; ++ply) {
+  for (int ply = 1; ply < kUndoSlots; ++ply) {
     const PackedMove move = WaveringMove(played);
     if (move == kNoMove)
       break;

@@ -1,14 +1,12 @@
 // A search from inside: its scores, the table, the stop, and what it allocates.
 #include <cstdlib>
 
+#include "board/fen.h"
 #include "board/memory_block.h"
 #include "board/rules.h"
 #include "engine_test.h"
 #include "evaluation/evaluate.h"
-#include "evaluation/pawn_structure.h"
-#include "frontend/search_thread.h"
-#include "search/best_line.h"
-#include "search/root_search.h"
+#include "frontend/go_command.h"
 #include "search/search_driver.h"
 #include "search/stop_control.h"
 #include "search/transposition_table.h"
@@ -47,77 +45,67 @@ class SearchTest : public EngineTest {};
 
 void Search(const char *fen, int depth) {
   ASSERT_TRUE(LoadFen(fen));
-  MaxDepth = depth;
-  TimeLimitSeconds = 300;
-  RunSearch();
+  RunSearch({depth, 300});
 }
 
 // What a node of White's leaves when e5d7 was its best move.
 void ProbeAndStore(int ply, Side prober = kWhite) {
   ProbeTransposition(ply, prober);
-  PvClearFrom(ply + 1);
-  PvStore(ply, kWhite, 28, 11);
-  StoreTransposition(ply);
+  StoreTransposition(ply, PackMove(28, 11));
 }
 
 TEST_F(SearchTest, TheTableKeepsOneMoveForEachBoard) {
   ASSERT_TRUE(LoadFen(kTactical));
-  SearchAborted = false;
   for (int ply = 0; ply <= 7; ++ply) {
     ResizeTransposition(512);
     ASSERT_EQ(StoredMove(SlotIndex()), 0);
     ProbeAndStore(ply);
-    Evaluate();
+    DisplaceOtherPosition();
     EXPECT_EQ(ProbeTransposition(ply, kWhite), PackMove(28, 11)) << "the position's own evaluation leaves its move";
     EXPECT_EQ(ProbeTransposition(ply, kBlack), kNoMove);
-    ProbeAndStore(ply, kBlack); // takes the slot over, with a move that is none of Black's
+    ProbeAndStore(ply, kBlack); // takes the slot over
     EXPECT_EQ(ProbeTransposition(ply, kWhite), kNoMove);
-    EXPECT_EQ(ProbeTransposition(ply, kBlack), kNoMove);
     EXPECT_NE(StoredMove(SlotIndex()), 0);
-    Evaluate();
+    DisplaceOtherPosition();
     EXPECT_EQ(StoredMove(SlotIndex()), 0) << "the other side's move goes with its key";
   }
-  ResizeTransposition(1024);
-  ProbeTransposition(1, kWhite);
-  ResizeTransposition(1024);
-  StoreTransposition(1);
-  EXPECT_EQ(StoredMove(SlotIndex()), 0) << "the table has changed since the probe";
-  SearchAborted = true;
-  ProbeAndStore(1);
-  SearchAborted = UseTranspositionMoves = false;
+  EnableTranspositionMoves(false);
   ProbeAndStore(1);
   EXPECT_EQ(StoredMove(SlotIndex()), 0);
+  EnableTranspositionMoves(true);
+  ProbeTransposition(1, kWhite);
+  RequestStop();
+  ASSERT_TRUE(ShouldStop());
+  StoreTransposition(1, PackMove(28, 11));
+  EXPECT_EQ(StoredMove(SlotIndex()), 0) << "nothing is stored once the search is aborted";
   ResizeTransposition(7);
-  EXPECT_EQ(TranspositionSlots, 8192);
+  EXPECT_EQ(TranspositionSlots, 4096);
 }
 
 TEST_F(SearchTest, StopAndDeadline) {
-  SearchAborted = DeadlineArmed = false;
-  Deadline = ProgramClock() - 1;
+  ArmDeadline(ProgramClock() - 1);
+  DisarmDeadline();
   EXPECT_FALSE(ShouldStop()) << "no deadline counts before it is armed";
-  DeadlineArmed = true;
+  ArmDeadline(ProgramClock() - 1);
   EXPECT_TRUE(ShouldStop());
-  Deadline += 1e9;
+  ArmDeadline(ProgramClock() + 1e9);
   EXPECT_TRUE(ShouldStop()) << "once it has said yes it keeps saying so";
-  SearchAborted = false;
+  ResetStopControl();
   EXPECT_FALSE(ShouldStop());
-  DeadlineArmed = false;
-  StopFlag = 1;
+  RequestStop();
   EXPECT_TRUE(ShouldStop() && SearchAborted);
 
   Search(kTactical, 3); // with the stop already set: the first legal move and the evaluation
-  EXPECT_EQ(Result.BestMove, LegalMoveList(kWhite).front());
-  EXPECT_EQ(Result.BestScore, ComputeEvaluation());
-  EXPECT_EQ(CompletedDepth + Nodes, 0);
+  EXPECT_EQ(Result().BestMove, LegalMoveList(kWhite).front());
+  EXPECT_EQ(Result().BestScore, Evaluate());
+  EXPECT_EQ(Result().CompletedDepth + Result().Nodes, 0);
 
-  StopFlag = 0;
-  MaxDepth = kDepthLimit;
-  TimeLimitSeconds = 0.02; // cut off in the middle of an iteration
+  ClearStopRequest();
   const BoardState before = Position;
-  RunSearch();
-  EXPECT_LT(CompletedDepth, kDepthLimit);
-  EXPECT_TRUE(IsLegalMove(FromOf(Result.BestMove), ToOf(Result.BestMove)));
-  EXPECT_TRUE(Position.Board == before.Board);
+  RunSearch({kDepthLimit, 0.02}); // cut off in the middle of an iteration
+  EXPECT_LT(Result().CompletedDepth, kDepthLimit);
+  EXPECT_TRUE(IsLegalMove(FromOf(Result().BestMove), ToOf(Result().BestMove)));
+  EXPECT_TRUE(SameState(Position, before));
 }
 
 // Side to move, words behind "go", and the limits that the search gets.
@@ -125,22 +113,21 @@ TEST_F(SearchTest, LimitsOfGo) {
   for (const auto &row : ReadTable("go_limits.tsv")) {
     SCOPED_TRACE(row[0] + " go" + row[1]);
     ASSERT_TRUE(LoadFen(("7k/5Q2/8/6K1/8/8/8/8 " + row[0] + " - -").c_str()));
-    StartSearchThread(("go" + row[1]).c_str());
-    StopSearchThread();
-    EXPECT_EQ(MaxDepth, std::stoi(row[2]));
-    EXPECT_NEAR(TimeLimitSeconds, std::stod(row[3]), 1e-9);
+    const SearchLimits limits = ReadGoCommand(("go" + row[1]).c_str()).Limits;
+    EXPECT_EQ(limits.MaxDepth, std::stoi(row[2]));
+    EXPECT_NEAR(limits.TimeLimitSeconds, std::stod(row[3]), 1e-9);
   }
 }
 
 #ifdef COUNTS_ALLOCATIONS
 TEST_F(SearchTest, AllocatesNothingButThePawnCache) {
   ASSERT_TRUE(LoadFen(kTactical));
-  MaxDepth = 4;
   AllocateBlock(kPawnCacheBlock, 0);
   for (const auto &[cached, expected] : {std::pair{false, 0}, std::pair{true, 1}, std::pair{true, 0}}) {
-    PawnCacheEnabled = cached;
+    SearchOptions options;
+    options.PawnCacheEnabled = cached;
     const int before = Allocations;
-    RunSearch();
+    RunSearch({4, 300}, options);
     EXPECT_EQ(Allocations - before, expected);
   }
   const int before = Allocations;

@@ -1,10 +1,13 @@
 #include "board/bitboard.h"
 
+#include "board/array.h"
+#include "board/magic_factors.h"
+
 namespace zorvane {
 
 namespace {
 
-constexpr Bitboard StepSet(int square, const std::array<std::array<int, 2>, 8> &steps) {
+constexpr Bitboard StepSet(int square, const Array<Array<int, 2>, 8> &steps) {
   Bitboard set = 0;
   for (const auto &step : steps) {
     const int file = FileOf(square) + step[0];
@@ -15,23 +18,22 @@ constexpr Bitboard StepSet(int square, const std::array<std::array<int, 2>, 8> &
   return set;
 }
 
-constexpr std::array<Bitboard, kSquares> StepTable(const std::array<std::array<int, 2>, 8> &steps) {
-  std::array<Bitboard, kSquares> table{};
+constexpr Array<Bitboard, kSquares> StepTable(const Array<Array<int, 2>, 8> &steps) {
+  Array<Bitboard, kSquares> table{};
   for (int square = 0; square < kSquares; ++square)
-    table[static_cast<unsigned>(square)] = StepSet(square, steps);
+    table[square] = StepSet(square, steps);
   return table;
 }
 
-constexpr std::array<std::array<int, 2>, 8> kKingSteps{
-    {{-1, -1}, {0, -1}, {1, -1}, {-1, 0}, {1, 0}, {-1, 1}, {0, 1}, {1, 1}}};
-constexpr std::array<std::array<int, 2>, 8> kKnightSteps{
+constexpr Array<Array<int, 2>, 8> kKingSteps{{{-1, -1}, {0, -1}, {1, -1}, {-1, 0}, {1, 0}, {-1, 1}, {0, 1}, {1, 1}}};
+constexpr Array<Array<int, 2>, 8> kKnightSteps{
     {{-1, -2}, {1, -2}, {-2, -1}, {2, -1}, {-2, 1}, {2, 1}, {-1, 2}, {1, 2}}};
 
-constexpr std::array<std::array<Bitboard, kSquares>, 2> PawnTable() {
-  std::array<std::array<Bitboard, kSquares>, 2> table{};
-  for (unsigned square = 0; square < kSquares; ++square) {
-    table[kWhite][square] = PawnCaptures<kWhite>(Bit(static_cast<int>(square)));
-    table[kBlack][square] = PawnCaptures<kBlack>(Bit(static_cast<int>(square)));
+constexpr Array<Array<Bitboard, kSquares>, 2> PawnTable() {
+  Array<Array<Bitboard, kSquares>, 2> table{};
+  for (int square = 0; square < kSquares; ++square) {
+    table[kWhite][square] = PawnCaptures<kWhite>(Bit(square));
+    table[kBlack][square] = PawnCaptures<kBlack>(Bit(square));
   }
   return table;
 }
@@ -43,10 +45,10 @@ struct LineSet {
   Bitboard AntiDiagonal;
 };
 
-constexpr std::array<LineSet, kSquares> LineTable() {
-  std::array<LineSet, kSquares> table{};
+constexpr Array<LineSet, kSquares> LineTable() {
+  Array<LineSet, kSquares> table{};
   for (int square = 0; square < kSquares; ++square) {
-    LineSet &lines = table[static_cast<unsigned>(square)];
+    LineSet &lines = table[square];
     for (int other = 0; other < kSquares; ++other) {
       const int files = FileOf(other) - FileOf(square);
       const int rows = RowOf(other) - RowOf(square);
@@ -63,30 +65,31 @@ constexpr std::array<LineSet, kSquares> LineTable() {
   return table;
 }
 
-constexpr std::array<LineSet, kSquares> kLines = LineTable();
+constexpr Array<LineSet, kSquares> kLines = LineTable();
 
 // Attacks along the lowest row for each file and each occupancy of the six inner squares.
-constexpr std::array<std::array<std::uint8_t, 8>, 64> RowTable() {
-  std::array<std::array<std::uint8_t, 8>, 64> table{};
-  for (unsigned inner = 0; inner < 64; ++inner) {
+constexpr Array<Array<std::uint8_t, 8>, 64> RowTable() {
+  Array<Array<std::uint8_t, 8>, 64> table{};
+  for (int inner = 0; inner < 64; ++inner) {
     for (int file = 0; file < 8; ++file) {
-      unsigned attacks = 0;
+      int attacks = 0;
       for (const int step : {-1, 1}) {
         for (int other = file + step; other >= 0 && other <= 7; other += step) {
-          attacks |= 1U << other;
-          if (((inner << 1) >> other) & 1U)
+          attacks |= 1 << other;
+          if (((inner << 1) >> other) & 1)
             break;
         }
       }
-      table[inner][static_cast<unsigned>(file)] = static_cast<std::uint8_t>(attacks);
+      table[inner][file] = static_cast<std::uint8_t>(attacks);
     }
   }
   return table;
 }
 
-constexpr std::array<std::array<std::uint8_t, 8>, 64> kRowAttacks = RowTable();
+constexpr Array<Array<std::uint8_t, 8>, 64> kRowAttacks = RowTable();
 
-// Subtracting the slider from the blockers borrows up to the first of them; mirrored, the same works downwards.
+// Hyperbola quintessence: blockers minus the slider borrows up to the first blocker above it; with the bytes swapped,
+// so that the rows stand upside down, the same finds the first below. No row may hold two squares of the line.
 inline Bitboard LineAttacks(int square, Bitboard occupied, Bitboard line) {
   const Bitboard blockers = occupied & line;
   const Bitboard up = blockers - Bit(square);
@@ -95,14 +98,13 @@ inline Bitboard LineAttacks(int square, Bitboard occupied, Bitboard line) {
 }
 
 inline Bitboard ComputeRookAttacks(int square, Bitboard occupied) {
-  const int shift = square & 56;
-  const auto inner = (occupied >> (shift + 1)) & 63U;
-  return (Bitboard{kRowAttacks[inner][static_cast<unsigned>(FileOf(square))]} << shift) |
-         LineAttacks(square, occupied, kLines[static_cast<unsigned>(square)].File);
+  const int shift = 8 * RowOf(square);
+  const auto inner = static_cast<int>((occupied >> (shift + 1)) & 63U);
+  return (Bitboard{kRowAttacks[inner][FileOf(square)]} << shift) | LineAttacks(square, occupied, kLines[square].File);
 }
 
 inline Bitboard ComputeBishopAttacks(int square, Bitboard occupied) {
-  const LineSet &lines = kLines[static_cast<unsigned>(square)];
+  const LineSet &lines = kLines[square];
   return LineAttacks(square, occupied, lines.Diagonal) | LineAttacks(square, occupied, lines.AntiDiagonal);
 }
 
@@ -114,33 +116,30 @@ void FillLines() {
                                                                          : nullptr;
       if (attacks == nullptr)
         continue;
-      Between[static_cast<unsigned>(from)][static_cast<unsigned>(to)] = attacks(from, Bit(to)) & attacks(to, Bit(from));
-      Line[static_cast<unsigned>(from)][static_cast<unsigned>(to)] =
-          (attacks(from, 0) & attacks(to, 0)) | Bit(from) | Bit(to);
+      Between[from][to] = attacks(from, Bit(to)) & attacks(to, Bit(from));
+      LineThrough[from][to] = (attacks(from, 0) & attacks(to, 0)) | Bit(from) | Bit(to);
     }
   }
 }
 
 } // namespace
 
-constexpr std::array<Bitboard, kSquares> KingAttacks = StepTable(kKingSteps);
-constexpr std::array<Bitboard, kSquares> KnightAttacks = StepTable(kKnightSteps);
-constexpr std::array<std::array<Bitboard, kSquares>, 2> PawnAttacks = PawnTable();
+constexpr Array<Bitboard, kSquares> KingAttacks = StepTable(kKingSteps);
+constexpr Array<Bitboard, kSquares> KnightAttacks = StepTable(kKnightSteps);
+constexpr Array<Array<Bitboard, kSquares>, 2> PawnAttacks = PawnTable();
 
-std::array<std::array<Bitboard, kSquares>, kSquares> Between;
-std::array<std::array<Bitboard, kSquares>, kSquares> Line;
+Array<Array<Bitboard, kSquares>, kSquares> Between;
+Array<Array<Bitboard, kSquares>, kSquares> LineThrough;
 
-#if defined(__BMI2__)
-
-std::array<SliderIndex, kSquares> SliderIndexes;
+Array<SliderPair, kSquares> SliderPairs;
 
 namespace {
 
 // Sums over all squares of 2 to the number of inner squares that a slider sees on an empty board.
-constexpr unsigned kRookEntries = 102400;
-constexpr unsigned kBishopEntries = 5248;
+constexpr int kRookEntries = 102400;
+constexpr int kBishopEntries = 5248;
 
-std::array<Bitboard, kRookEntries + kBishopEntries> SliderTable;
+Array<Bitboard, kRookEntries + kBishopEntries> SliderTable;
 
 // Blockers on the edge of the board cannot hide anything behind them, so they select nothing.
 constexpr Bitboard InnerSquares(int square) {
@@ -149,36 +148,37 @@ constexpr Bitboard InnerSquares(int square) {
   return ~(rows | files);
 }
 
-template <typename Compute> Bitboard *FillSlider(Bitboard *next, int square, Bitboard mask, Compute compute) {
-  const unsigned entries = 1U << CountSquares(mask);
-  for (unsigned entry = 0; entry < entries; ++entry)
-    *next++ = compute(square, _pdep_u64(entry, mask));
-  return next;
+// Makes the entry of a slider on square, its sets in the table from next on; returns where the following one begins.
+template <typename Compute>
+Bitboard *FillSlider(SliderEntry &entry, int square, [[maybe_unused]] Bitboard factor, Compute compute,
+                     Bitboard *next) {
+  const Bitboard mask = compute(square, 0) & InnerSquares(square);
+  const int squares = PopCount(mask);
+  entry.Mask = mask;
+  entry.Attacks = next;
+#if !defined(ZORVANE_PEXT)
+  entry.Factor = factor;
+  entry.Shift = 64 - squares;
+#endif
+  // Subtracting the mask counts in its squares alone, through all of its subsets and back to the empty one.
+  Bitboard occupied = 0;
+  do {
+    next[SliderIndex(entry, occupied)] = compute(square, occupied);
+    occupied = (occupied - mask) & mask;
+  } while (occupied != 0);
+  return next + (1 << squares);
 }
 
 } // namespace
 
 void InitializeBitboards() {
-  Bitboard *next = SliderTable.data();
+  Bitboard *next = SliderTable.begin();
   for (int square = 0; square < kSquares; ++square) {
-    SliderIndex &index = SliderIndexes[static_cast<unsigned>(square)];
-    index.RookMask = ComputeRookAttacks(square, 0) & InnerSquares(square);
-    index.BishopMask = ComputeBishopAttacks(square, 0) & InnerSquares(square);
-    index.Rook = next;
-    next = FillSlider(next, square, index.RookMask, ComputeRookAttacks);
-    index.Bishop = next;
-    next = FillSlider(next, square, index.BishopMask, ComputeBishopAttacks);
+    SliderPair &pair = SliderPairs[square];
+    next = FillSlider(pair.Rook, square, kRookFactors[square], ComputeRookAttacks, next);
+    next = FillSlider(pair.Bishop, square, kBishopFactors[square], ComputeBishopAttacks, next);
   }
   FillLines();
 }
-
-#else
-
-Bitboard RookAttacks(int square, Bitboard occupied) { return ComputeRookAttacks(square, occupied); }
-Bitboard BishopAttacks(int square, Bitboard occupied) { return ComputeBishopAttacks(square, occupied); }
-
-void InitializeBitboards() { FillLines(); }
-
-#endif
 
 } // namespace zorvane

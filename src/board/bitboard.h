@@ -4,13 +4,14 @@
 // the engine tries its moves.
 #pragma once
 
-#include <array>
 #include <bit>
+#include <cstddef>
 
-#if defined(__BMI2__)
+#if defined(ZORVANE_PEXT)
 #include <immintrin.h>
 #endif
 
+#include "board/array.h"
 #include "board/types.h"
 
 namespace zorvane {
@@ -24,70 +25,81 @@ constexpr Bitboard kAllSquares = ~Bitboard{0};
 constexpr Bitboard Bit(int square) { return Bitboard{1} << square; }
 constexpr Bitboard RowMask(int row) { return kRow0 << (row * 8); }
 constexpr Bitboard FileMask(int file) { return kFileA << file; }
-constexpr int LowestSquare(Bitboard set) { return std::countr_zero(set); }
-constexpr int CountSquares(Bitboard set) { return std::popcount(set); }
-constexpr bool HasSeveral(Bitboard set) { return (set & (set - 1)) != 0; }
+constexpr int Lsb(Bitboard set) { return std::countr_zero(set); }
+constexpr int PopCount(Bitboard set) { return std::popcount(set); }
+constexpr bool MoreThanOne(Bitboard set) { return (set & (set - 1)) != 0; }
 constexpr bool Contains(Bitboard set, int square) { return ((set >> square) & 1U) != 0; }
 
-// Removes the lowest square of a set that is not empty and returns it.
-constexpr int PopSquare(Bitboard &set) {
+// Takes the lowest square out of a set that is not empty, and returns it.
+constexpr int PopLsb(Bitboard &set) {
+  assert(set != 0);
   const int square = std::countr_zero(set);
   set &= set - 1;
   return square;
 }
 
-// One row ahead for pawns of a side.
-template <Side Us> constexpr Bitboard Ahead(Bitboard set) { return Us == kWhite ? set >> 8 : set << 8; }
-template <Side Us> constexpr Bitboard Behind(Bitboard set) { return Us == kWhite ? set << 8 : set >> 8; }
-constexpr Bitboard TowardsA(Bitboard set) { return (set & ~kFileA) >> 1; }
-constexpr Bitboard TowardsH(Bitboard set) { return (set & ~kFileH) << 1; }
+// All squares of a set moved one step: in the direction of a side's pawns or against it, towards file a or file h. What
+// would leave the board is dropped.
+template <Side Us> constexpr Bitboard ShiftForward(Bitboard set) { return Us == kWhite ? set >> 8 : set << 8; }
+template <Side Us> constexpr Bitboard ShiftBackward(Bitboard set) { return Us == kWhite ? set << 8 : set >> 8; }
+constexpr Bitboard ShiftWest(Bitboard set) { return (set & ~kFileA) >> 1; }
+constexpr Bitboard ShiftEast(Bitboard set) { return (set & ~kFileH) << 1; }
 
 // The squares that pawns of a side capture on.
 template <Side Us> constexpr Bitboard PawnCaptures(Bitboard pawns) {
-  return TowardsA(Ahead<Us>(pawns)) | TowardsH(Ahead<Us>(pawns));
+  return ShiftWest(ShiftForward<Us>(pawns)) | ShiftEast(ShiftForward<Us>(pawns));
 }
 
 // Attacks of a king, knight or pawn on a square of its own; squares beyond the board's edge are left out.
-extern const std::array<Bitboard, kSquares> KingAttacks;
-extern const std::array<Bitboard, kSquares> KnightAttacks;
-extern const std::array<std::array<Bitboard, kSquares>, 2> PawnAttacks;
+extern const Array<Bitboard, kSquares> KingAttacks;
+extern const Array<Bitboard, kSquares> KnightAttacks;
+extern const Array<Array<Bitboard, kSquares>, 2> PawnAttacks;
 
 // The squares strictly between two squares of one line, and the whole line through both; empty when they share none.
-extern std::array<std::array<Bitboard, kSquares>, kSquares> Between;
-extern std::array<std::array<Bitboard, kSquares>, kSquares> Line;
+extern Array<Array<Bitboard, kSquares>, kSquares> Between;
+extern Array<Array<Bitboard, kSquares>, kSquares> LineThrough;
 
 // Fills the tables that are not constants. Must run once before anything else of the engine.
 void InitializeBitboards();
 
-#if defined(__BMI2__)
-
-// One square's place in the table of slider attacks: the occupied squares under Mask select the entry.
-struct SliderIndex {
-  Bitboard RookMask;
-  Bitboard BishopMask;
-  const Bitboard *Rook;
-  const Bitboard *Bishop;
+// Where the attacks of one slider from one square lie in the table of slider attacks.
+struct SliderEntry {
+  Bitboard Mask; // the inner squares of its lines: whatever stands on others hides nothing
+#if !defined(ZORVANE_PEXT)
+  Bitboard Factor; // a magic number: brings the occupied squares under Mask to the top of the word, packed
+  int Shift;       // from there down to an index
+#endif
+  const Bitboard *Attacks; // a set for each occupation of Mask
 };
 
-extern std::array<SliderIndex, kSquares> SliderIndexes;
+// A rook and a bishop on one square: a cache line with magic numbers, half of one without.
+struct alignas(2 * sizeof(SliderEntry)) SliderPair {
+  SliderEntry Rook;
+  SliderEntry Bishop;
+};
 
-// Squares that a rook or bishop on square bears on: up to and including the first occupied one of each ray.
+extern Array<SliderPair, kSquares> SliderPairs;
+
+// Which of the sets of an entry belongs to the occupied squares. Processors that carry out PEXT step by step are
+// quicker with a multiplication, and most others have no PEXT.
+inline std::size_t SliderIndex(const SliderEntry &entry, Bitboard occupied) {
+#if defined(ZORVANE_PEXT)
+  return _pext_u64(occupied, entry.Mask);
+#else
+  return ((occupied & entry.Mask) * entry.Factor) >> entry.Shift;
+#endif
+}
+
+// The squares that a rook or bishop on square attacks: up to and including the first occupied one of each ray.
 inline Bitboard RookAttacks(int square, Bitboard occupied) {
-  const SliderIndex &index = SliderIndexes[static_cast<unsigned>(square)];
-  return index.Rook[_pext_u64(occupied, index.RookMask)];
+  const SliderEntry &entry = SliderPairs[square].Rook;
+  return entry.Attacks[SliderIndex(entry, occupied)];
 }
 
 inline Bitboard BishopAttacks(int square, Bitboard occupied) {
-  const SliderIndex &index = SliderIndexes[static_cast<unsigned>(square)];
-  return index.Bishop[_pext_u64(occupied, index.BishopMask)];
+  const SliderEntry &entry = SliderPairs[square].Bishop;
+  return entry.Attacks[SliderIndex(entry, occupied)];
 }
-
-#else
-
-Bitboard RookAttacks(int square, Bitboard occupied);
-Bitboard BishopAttacks(int square, Bitboard occupied);
-
-#endif
 
 inline Bitboard QueenAttacks(int square, Bitboard occupied) {
   return RookAttacks(square, occupied) | BishopAttacks(square, occupied);

@@ -1,24 +1,26 @@
 #include "board/memory_block.h"
 
+#include "board/array.h"
+
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 
 namespace zorvane {
 
-std::array<MemoryBlock, 2> MemoryBlocks;
+Array<MemoryBlock, 2> MemoryBlocks;
 
 namespace {
 
 constexpr std::size_t kAlignment = 64;
 
 // What the allocator handed out, for giving it back.
-std::array<void *, 2> Allocations;
+Array<void *, 2> Allocations;
 
 } // namespace
 
 void AllocateBlock(MemoryBlockNumber number, std::size_t length) {
-  const auto index = static_cast<unsigned>(number - kTranspositionBlock);
+  const int index = number - kTranspositionBlock;
   std::free(Allocations[index]);
   Allocations[index] = nullptr;
   MemoryBlocks[index] = {};

@@ -1,7 +1,9 @@
 // The numbered heap blocks of the process, with bounds-tested access.
 #pragma once
 
-#include <array>
+#include "board/array.h"
+
+#include <cassert>
 #include <cstddef>
 
 namespace zorvane {
@@ -14,11 +16,9 @@ struct MemoryBlock {
 };
 
 // The two blocks; read them through BlockOf. Written by AllocateBlock alone.
-extern std::array<MemoryBlock, 2> MemoryBlocks;
+extern Array<MemoryBlock, 2> MemoryBlocks;
 
-inline const MemoryBlock &BlockOf(MemoryBlockNumber number) {
-  return MemoryBlocks[static_cast<unsigned>(number - kTranspositionBlock)];
-}
+inline const MemoryBlock &BlockOf(MemoryBlockNumber number) { return MemoryBlocks[number - kTranspositionBlock]; }
 
 // Gives the block length zero bytes at an address that is a multiple of 64, in place of what it had; 0 bytes leave it
 // without memory. When there is no memory the process ends with exit code 2 and no message.
@@ -27,11 +27,13 @@ void AllocateBlock(MemoryBlockNumber number, std::size_t length);
 // Says which access went wrong and ends the process with exit code 2.
 [[noreturn]] void FailMemoryBounds(MemoryBlockNumber number, std::size_t offset, std::size_t width);
 
-// The record of type T at offset bytes into the block; ends the process when it does not lie inside.
+// The record of type T at offset bytes into the block, a multiple of T's alignment; blocks begin at a cache line. Ends
+// the process when the record does not lie inside.
 template <typename T> inline T &RecordAt(MemoryBlockNumber number, std::size_t offset) {
   const MemoryBlock &block = BlockOf(number);
   if (offset + sizeof(T) > block.Length) [[unlikely]]
     FailMemoryBounds(number, offset, sizeof(T));
+  assert(offset % alignof(T) == 0);
   return *reinterpret_cast<T *>(block.Data + offset);
 }
 

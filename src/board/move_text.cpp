@@ -1,6 +1,7 @@
 #include "board/move_text.h"
 
 #include <array>
+#include <cassert>
 #include <cstring>
 
 #include "board/position_key.h"
@@ -60,8 +61,8 @@ bool ApplyUciMove(const char *text) {
     RemovePiece(to);
     PutPiece(to, MakePiece(SideToMove, promotion));
   }
-  SideToMove = RootSide = Opposite(SideToMove);
-  ++GamePly;
+  assert(PositionIsOk());
+  PassTurn();
   PushGameHistory();
   return true;
 }

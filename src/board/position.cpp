@@ -1,160 +1,68 @@
 #include "board/position.h"
 
-#include <algorithm>
-#include <cstdio>
-#include <cstring>
+#include <cassert>
 
-#include "board/number_text.h"
-#include "board/position_key.h"
+#include "board/array.h"
 
 namespace zorvane {
 
 BoardState Position;
 Side SideToMove;
-Side RootSide;
 std::int64_t GamePly;
-std::array<BoardState, kUndoLevels> UndoStack;
+Array<BoardState, kUndoSlots> UndoStack;
 
-namespace {
-
-// Far above every limit that reads the clock, and far below what counting on could overflow.
-constexpr int kHighestLoadedClock = 1000000000;
-
-constexpr char kPieceLetters[] = "PRNBQK prnbqk";
-
-using Placement = std::array<Piece, kSquares>;
-
-// The piece of a FEN letter, kNoPiece for any other character.
-Piece PieceOfLetter(char letter) {
-  const char *found = letter == ' ' || letter == '\0' ? nullptr : std::strchr(kPieceLetters, letter);
-  if (found == nullptr)
-    return kNoPiece;
-  const auto place = static_cast<int>(found - kPieceLetters);
-  return place < kPieceTypes ? MakePiece(kWhite, static_cast<PieceType>(place + 1))
-                             : MakePiece(kBlack, static_cast<PieceType>(place - kPieceTypes));
-}
-
-// Reads the ranks of a FEN; false unless there are eight ranks of eight squares and one king of each side.
-bool ReadPlacement(const char *text, Placement &placement) {
-  int file = 0;
-  int row = 0;
-  std::array<int, 2> kings{};
-  placement.fill(kNoPiece);
-  for (; *text != '\0'; ++text) {
-    if (*text == '/') {
-      if (file != 8 || row > 6)
-        return false;
-      ++row;
-      file = 0;
-    } else if (*text >= '1' && *text <= '8') {
-      file += *text - '0';
-      if (file > 8)
-        return false;
-    } else {
-      const Piece piece = PieceOfLetter(*text);
-      if (piece == kNoPiece || file > 7)
-        return false;
-      placement[static_cast<unsigned>(MakeSquare(file++, row))] = piece;
-      if (TypeOf(piece) == kKing)
-        ++kings[SideOf(piece)];
-    }
+bool PositionIsOk() {
+  BoardState expected{};
+  SquareTerm sum{};
+  for (int square = 0; square < kSquares; ++square) {
+    const Piece piece = PieceOn(square);
+    if (piece == kNoPiece)
+      continue;
+    expected.BySide[SideOf(piece)] |= Bit(square);
+    expected.ByType[TypeOf(piece) - 1] |= Bit(square);
+    sum.Hash += kSquareTerms[piece][square].Hash;
+    sum.Scores += kSquareTerms[piece][square].Scores;
   }
-  return row == 7 && file == 8 && kings[kWhite] == 1 && kings[kBlack] == 1;
+  for (const Side side : kSides)
+    if (Position.BySide[side] != expected.BySide[side] || PopCount(Pieces(side, kKing)) != 1)
+      return false;
+  for (int type = kPawn; type <= kKing; ++type)
+    if (Position.ByType[type - 1] != expected.ByType[type - 1])
+      return false;
+  return Position.Sum.Hash == sum.Hash && Position.Sum.Scores == sum.Scores && Position.HalfmoveClock >= 0 &&
+         Position.EnPassantSquare <= kNoSquare;
 }
-
-// The target square of a FEN field, kNoSquare for "-"; false when it is neither.
-bool ReadEnPassant(const char *text, int &square) {
-  square = kNoSquare;
-  if (std::strcmp(text, "-") == 0)
-    return true;
-  if (std::strlen(text) != 2 || text[0] < 'a' || text[0] > 'h' || (text[1] != '3' && text[1] != '6'))
-    return false;
-  square = MakeSquare(text[0] - 'a', '8' - text[1]);
-  return true;
-}
-
-std::uint8_t ReadMovedFlags(const char *castling) {
-  struct Right {
-    char Letter;
-    MovedFlag Rook;
-    MovedFlag King;
-  };
-  constexpr std::array<Right, 4> rights{{{'K', kWhiteRookHMoved, kWhiteKingMoved},
-                                         {'Q', kWhiteRookAMoved, kWhiteKingMoved},
-                                         {'k', kBlackRookHMoved, kBlackKingMoved},
-                                         {'q', kBlackRookAMoved, kBlackKingMoved}}};
-  unsigned flags = 0;
-  for (const Right &right : rights)
-    flags |= static_cast<unsigned>(right.Rook | right.King);
-  for (const Right &right : rights)
-    if (std::strchr(castling, right.Letter) != nullptr)
-      flags &= ~static_cast<unsigned>(right.Rook | right.King);
-  return static_cast<std::uint8_t>(flags);
-}
-
-} // namespace
 
 void PutPiece(int square, Piece piece) {
-  const SquareTerm &term = kSquareTerms[piece][static_cast<unsigned>(square)];
+  assert(piece != kNoPiece && PieceOn(square) == kNoPiece);
+  const SquareTerm &term = kSquareTerms[piece][square];
   Position.BySide[SideOf(piece)] |= Bit(square);
   Position.ByType[TypeOf(piece) - 1] |= Bit(square);
-  Position.Board[static_cast<unsigned>(square)] = piece;
+  Position.Board[square] = piece;
   Position.Sum.Hash += term.Hash;
   Position.Sum.Scores += term.Scores;
 }
 
 void RemovePiece(int square) {
   const Piece piece = PieceOn(square);
-  const SquareTerm &term = kSquareTerms[piece][static_cast<unsigned>(square)];
+  assert(piece != kNoPiece);
+  const SquareTerm &term = kSquareTerms[piece][square];
   Position.BySide[SideOf(piece)] &= ~Bit(square);
   Position.ByType[TypeOf(piece) - 1] &= ~Bit(square);
-  Position.Board[static_cast<unsigned>(square)] = kNoPiece;
+  Position.Board[square] = kNoPiece;
   Position.Sum.Hash -= term.Hash;
   Position.Sum.Scores -= term.Scores;
 }
 
-bool LoadFen(const char *text) {
-  std::array<char, 100> ranks{};
-  std::array<char, 4> side{};
-  std::array<char, 8> castling{};
-  std::array<char, 8> target{};
-  int read = 0;
-  if (std::sscanf(text, "%99s %3s %7s %7s%n", ranks.data(), side.data(), castling.data(), target.data(), &read) < 4)
-    return false;
+void StartGame(const BoardState &state, Side side, std::int64_t ply) {
+  Position = state;
+  SideToMove = side;
+  GamePly = ply;
+}
 
-  // The two counts are optional, the second only counts behind a first one.
-  int clock = 0;
-  int moveNumber = 1;
-  const char *behind = nullptr;
-  const int first = ParseInteger(text + read, &behind);
-  if (behind != text + read) {
-    clock = first;
-    const char *rest = behind;
-    const int second = ParseInteger(rest, &behind);
-    if (behind != rest)
-      moveNumber = second;
-  }
-
-  Placement placement{};
-  int enPassant = kNoSquare;
-  if (!ReadPlacement(ranks.data(), placement) || clock < 0)
-    return false;
-  if (std::strcmp(side.data(), "w") != 0 && std::strcmp(side.data(), "b") != 0)
-    return false;
-  if (!ReadEnPassant(target.data(), enPassant))
-    return false;
-
-  Position = BoardState{};
-  for (int square = 0; square < kSquares; ++square)
-    if (placement[static_cast<unsigned>(square)] != kNoPiece)
-      PutPiece(square, placement[static_cast<unsigned>(square)]);
-  Position.HalfmoveClock = std::min(clock, kHighestLoadedClock);
-  Position.MovedFlags = ReadMovedFlags(castling.data());
-  Position.EnPassantSquare = static_cast<std::uint8_t>(enPassant);
-  SideToMove = RootSide = side[0] == 'w' ? kWhite : kBlack;
-  GamePly = 2 * static_cast<std::int64_t>(moveNumber) - 2 + (SideToMove == kBlack ? 1 : 0);
-  StartGameHistory();
-  return true;
+void PassTurn() {
+  SideToMove = Opposite(SideToMove);
+  ++GamePly;
 }
 
 } // namespace zorvane

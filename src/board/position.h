@@ -1,16 +1,18 @@
-// The one position of the process, its snapshots, and FEN as the way in.
+// The one position of the process and its snapshots.
 #pragma once
 
-#include <array>
 #include <cstdint>
 
+#include "board/array.h"
 #include "board/bitboard.h"
+#include "board/plies.h"
 #include "board/square_terms.h"
 #include "board/types.h"
 
 namespace zorvane {
 
-// What is lost of castling, one bit each. A corner's bit says that the rook that started there is gone.
+// Castling rights already lost; a rook's bit is set when that corner's rook moved or was captured. A FEN without a
+// right has the rook's bit, and with neither right of a side its king's as well.
 enum MovedFlag : std::uint8_t {
   kWhiteKingMoved = 1,
   kBlackKingMoved = 2,
@@ -22,28 +24,27 @@ enum MovedFlag : std::uint8_t {
 
 // All that a move changes. MakeMove keeps every field in step; a snapshot is one copy of 160 bytes.
 struct alignas(32) BoardState {
-  std::array<Bitboard, 2> BySide;
-  std::array<Bitboard, kPieceTypes> ByType; // both sides, at PieceType - 1
-  std::array<Piece, kSquares> Board;
+  Array<Bitboard, 2> BySide;
+  Array<Bitboard, kPieceTypes> ByType; // both sides, at PieceType - 1
+  Array<Piece, kSquares> Board;
   SquareTerm Sum;             // of the terms of all pieces, the hash not reduced
   std::int32_t HalfmoveClock; // half-moves since the last capture or pawn move
   std::uint8_t MovedFlags;
   std::uint8_t EnPassantSquare; // where a capturing pawn lands, kNoSquare for none
 };
 
-constexpr int kUndoLevels = 13;
-
-// Written by LoadFen, ApplyUciMove, MakeMove and RestoreState. SideToMove and GamePly do not follow a search,
-// which hands the side down as an argument.
+// The one position of the process. Besides this module only MakeMove changes it.
 extern BoardState Position;
+
+// Of the game's position. They do not follow a search, which hands the side down as an argument: throughout a search
+// SideToMove is the side that it is for.
 extern Side SideToMove;
-extern Side RootSide;        // the side that the next search is for
-extern std::int64_t GamePly; // half-moves of the game
-extern std::array<BoardState, kUndoLevels> UndoStack;
+extern std::int64_t GamePly; // half-moves since the initial position; a FEN's move number says how many came before
 
-inline constexpr char StartFen[] = "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq - 0 1";
+// Snapshots by ply. SaveState writes them.
+extern Array<BoardState, kUndoSlots> UndoStack;
 
-inline Piece PieceOn(int square) { return Position.Board[static_cast<unsigned>(square)]; }
+inline Piece PieceOn(int square) { return Position.Board[square]; }
 inline Bitboard Occupied() { return Position.BySide[kWhite] | Position.BySide[kBlack]; }
 inline Bitboard EnPassantSet() { return Position.EnPassantSquare == kNoSquare ? 0 : Bit(Position.EnPassantSquare); }
 inline Bitboard Pieces(PieceType type) { return Position.ByType[type - 1]; }
@@ -56,21 +57,28 @@ inline Bitboard Pieces(Side side, PieceType first, PieceType second) {
 // The polynomial hash of all squares, below 2^31 - 1.
 inline std::uint32_t BoardHash() { return ReduceHash(kEmptyBoardHash + Position.Sum.Hash); }
 
-// The sum of PlacementTerm, White's minus Black's, and the worth of the rooks, knights, bishops and queens of both.
-inline int PlacementScore() { return PlacementOf(Position.Sum.Scores); }
-inline int MaterialSum() { return MaterialOf(Position.Sum.Scores); }
+// The sum of PlacementTerm, White's minus Black's, and that of MaterialValue, both sides'.
+inline int PlacementScore() { return UnpackPlacement(Position.Sum.Scores); }
+inline int MaterialSum() { return UnpackMaterial(Position.Sum.Scores); }
 
-// Puts a piece on an empty square, or takes it off; every sum follows.
+// Puts a piece on an empty square, or takes one off; sums and sets follow.
 void PutPiece(int square, Piece piece);
 void RemovePiece(int square);
 
-// Copies the position to slot level of UndoStack, 0 to 12, and back.
-inline void SaveState(int level) { UndoStack[static_cast<unsigned>(level)] = Position; }
-inline void RestoreState(int level) { Position = UndoStack[static_cast<unsigned>(level)]; }
+// Puts an earlier or other position on the board; the game's side and ply stay.
+inline void SetPosition(const BoardState &state) { Position = state; }
 
-// Takes over the position of a FEN text and starts a new game history with it. False, with nothing changed,
-// when the text is no position. Accepts more than chess allows: pawns on the last ranks, any number of pieces,
-// a side to move that could take the king.
-bool LoadFen(const char *text);
+// Copies the position to the slot of a ply in UndoStack, 0 to 12, and back.
+inline void SaveState(int ply) { UndoStack[ply] = Position; }
+inline void RestoreState(int ply) { SetPosition(UndoStack[ply]); }
+
+// True when the board, its sets by side and type, the sums and the kings agree. Slow; for assertions.
+bool PositionIsOk();
+
+// Begins a game, or sets a position up, at that ply of the game.
+void StartGame(const BoardState &state, Side side, std::int64_t ply);
+
+// The other side is to move, one half-move later in the game.
+void PassTurn();
 
 } // namespace zorvane

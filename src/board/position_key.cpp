@@ -1,5 +1,6 @@
 #include "board/position_key.h"
 
+#include "board/array.h"
 #include "board/rules.h"
 
 namespace zorvane {
@@ -18,45 +19,41 @@ struct GamePosition {
   std::int16_t Next;
 };
 
-std::array<GamePosition, kGameHistoryLimit> GameHistory;
-std::array<std::int16_t, 1U << kBucketBits> Buckets;
+Array<GamePosition, kGameHistoryLimit> GameHistory;
+Array<std::int16_t, 1U << kBucketBits> Buckets;
 
 std::int16_t &BucketOf(std::uint64_t boardSum) {
   constexpr std::uint64_t spread = 0x9E3779B97F4A7C15U;
-  return Buckets[(boardSum * spread) >> (64 - kBucketBits)];
+  return Buckets[static_cast<int>((boardSum * spread) >> (64 - kBucketBits))];
 }
 
 // The en-passant square when side can capture there, else none.
 int EffectiveEnPassantSquare(Side side) {
-  const int target = Position.EnPassantSquare;
-  if (target == kNoSquare)
-    return kNoSquare;
-  Bitboard pawns = PawnAttacks[Opposite(side)][static_cast<unsigned>(target)] & Pieces(side, kPawn);
-  while (pawns != 0)
-    if (IsLegalMove(PopSquare(pawns), target))
-      return target;
+  for (Bitboard pawns = EnPassantCandidates(side); pawns != 0;)
+    if (IsLegalMove(PopLsb(pawns), Position.EnPassantSquare))
+      return Position.EnPassantSquare;
   return kNoSquare;
 }
 
 int CountInGame(const PositionKey &key) {
   int count = 0;
-  for (int i = BucketOf(Position.Sum.Hash); i != kEndOfBucket; i = GameHistory[static_cast<unsigned>(i)].Next) {
-    const GamePosition &position = GameHistory[static_cast<unsigned>(i)];
+  for (int i = BucketOf(Position.Sum.Hash); i != kEndOfBucket; i = GameHistory[i].Next) {
+    const GamePosition &position = GameHistory[i];
     if (position.BoardSum == Position.Sum.Hash && position.Key == key)
       ++count;
   }
   return count;
 }
 
-// The key of the position that UndoStack holds at a level of the running line.
-PositionKey KeyAtLevel(int level, Side side) {
-  const BoardState &state = UndoStack[static_cast<unsigned>(level)];
+// The key of the position at an earlier ply of the running line.
+PositionKey KeyAtPly(int ply, Side side) {
+  const BoardState &state = UndoStack[ply];
   if (state.EnPassantSquare == kNoSquare)
     return MakePositionKey(state, side, kNoSquare);
   const BoardState current = Position;
-  Position = state;
+  SetPosition(state);
   const PositionKey key = BuildPositionKey(side);
-  Position = current;
+  SetPosition(current);
   return key;
 }
 
@@ -74,15 +71,15 @@ void PushGameHistory() {
   if (GameHistoryCount >= kGameHistoryLimit)
     return;
   std::int16_t &bucket = BucketOf(Position.Sum.Hash);
-  GameHistory[static_cast<unsigned>(GameHistoryCount)] = {BuildPositionKey(SideToMove), Position.Sum.Hash, bucket};
+  GameHistory[GameHistoryCount] = {BuildPositionKey(SideToMove), Position.Sum.Hash, bucket};
   bucket = static_cast<std::int16_t>(GameHistoryCount++);
 }
 
 int CountEqualPositions(Side side, int ply) {
   const PositionKey key = BuildPositionKey(side);
   int count = CountInGame(key);
-  for (int level = ply - kShortestCycle; level >= 1; level -= 2)
-    if (UndoStack[static_cast<unsigned>(level)].Sum.Hash == Position.Sum.Hash && KeyAtLevel(level, side) == key)
+  for (int earlier = ply - kShortestCycle; earlier >= 1; earlier -= 2)
+    if (UndoStack[earlier].Sum.Hash == Position.Sum.Hash && KeyAtPly(earlier, side) == key)
       ++count;
   return count;
 }

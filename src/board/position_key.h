@@ -1,16 +1,15 @@
 // What makes two positions the same, and the positions of the game so far.
 #pragma once
 
-#include <array>
-
+#include "board/array.h"
 #include "board/position.h"
 
 namespace zorvane {
 
 // The whole identity of a position, exact. Two positions are the same when all five words are equal.
 struct PositionKey {
-  std::array<Bitboard, 4> Squares; // three bits of type and one of colour for each square
-  std::uint32_t Rest;              // side to move, moved flags, en-passant square
+  Array<Bitboard, 4> Squares; // three bits of type and one of colour for each square
+  std::uint32_t Rest;         // side to move, moved flags, en-passant square
 
   bool operator==(const PositionKey &other) const {
     return ((Squares[0] ^ other.Squares[0]) | (Squares[1] ^ other.Squares[1]) | (Squares[2] ^ other.Squares[2]) |
@@ -42,14 +41,14 @@ void StartGameHistory();
 // Adds the current position; when the history is full nothing happens.
 void PushGameHistory();
 
-// A position comes back after four half-moves at the soonest, and only while nothing was taken and no pawn moved.
+// A position recurs after four half-moves at the soonest, and only while nothing is captured and no pawn moves.
 constexpr int kShortestCycle = 4;
 
-// The count of CountRepetitions, without the look at the clock.
+// CountRepetitions without its early exit on the halfmove clock.
 int CountEqualPositions(Side side, int ply);
 
-// How often the current position, with side to move, stands in the game and on the search line above ply (UndoStack
-// from level 1 on). Where the clock says that it cannot be as often as atLeast the answer may be 0 instead.
+// How often the current position, with side to move, stands in the game and on the search line above ply, which is in
+// UndoStack from ply 1 on. Where the halfmove clock says that it cannot be as often as atLeast, the answer may be 0.
 inline int CountRepetitions(Side side, int ply, int atLeast) {
   return Position.HalfmoveClock < atLeast * kShortestCycle ? 0 : CountEqualPositions(side, ply);
 }

@@ -4,13 +4,9 @@ namespace zorvane {
 
 namespace {
 
-// Squares that a pawn of side on from may be pushed to.
 template <Side Us> Bitboard PushTargets(int from) {
-  constexpr Bitboard firstStep = Us == kWhite ? RowMask(5) : RowMask(2);
-  const Bitboard empty = ~Occupied();
-  const Bitboard single = Ahead<Us>(Bit(from)) & empty;
-  const bool onStartRow = RowOf(from) == (Us == kWhite ? 6 : 1);
-  return single | (onStartRow ? Ahead<Us>(single & firstStep) & empty : 0);
+  const Bitboard single = SinglePushes<Us>(Bit(from));
+  return single | DoublePushes<Us>(single);
 }
 
 // The square beside the capturing pawn, whose pawn an en-passant capture takes.
@@ -20,14 +16,14 @@ bool IsPseudoLegalPawnMove(int from, int to) {
   const Side us = SideOf(PieceOn(from));
   if (FileOf(from) == FileOf(to))
     return Contains(us == kWhite ? PushTargets<kWhite>(from) : PushTargets<kBlack>(from), to);
-  if (!Contains(PawnAttacks[us][static_cast<unsigned>(from)], to))
+  if (!Contains(PawnAttacks[us][from], to))
     return false;
   if (PieceOn(to) != kNoPiece)
     return true;
   return to == Position.EnPassantSquare && PieceOn(EnPassantVictim(from, to)) == MakePiece(Opposite(us), kPawn);
 }
 
-// The occupied squares after a move, the rook's step of castling included.
+// The occupied squares after a move, castling's rook included. removed is what the move takes.
 Bitboard OccupiedAfter(int from, int to, Bitboard removed) {
   Bitboard occupied = (Occupied() & ~Bit(from) & ~removed) | Bit(to);
   if (TypeOf(PieceOn(from)) == kKing && Absolute(FileOf(to) - FileOf(from)) == 2)
@@ -41,26 +37,25 @@ Bitboard PieceAttacks(int from) {
   const Piece piece = PieceOn(from);
   switch (TypeOf(piece)) {
   case kPawn:
-    return PawnAttacks[SideOf(piece)][static_cast<unsigned>(from)];
+    return PawnAttacks[SideOf(piece)][from];
   case kRook:
     return RookAttacks(from, Occupied());
   case kKnight:
-    return KnightAttacks[static_cast<unsigned>(from)];
+    return KnightAttacks[from];
   case kBishop:
     return BishopAttacks(from, Occupied());
   case kQueen:
     return QueenAttacks(from, Occupied());
   case kKing:
-    return KingAttacks[static_cast<unsigned>(from)];
+    return KingAttacks[from];
   default:
     return 0;
   }
 }
 
 Bitboard AttackersTo(int square, Bitboard occupied) {
-  const auto place = static_cast<unsigned>(square);
-  return (PawnAttacks[kBlack][place] & Pieces(kWhite, kPawn)) | (PawnAttacks[kWhite][place] & Pieces(kBlack, kPawn)) |
-         (KnightAttacks[place] & Pieces(kKnight)) | (KingAttacks[place] & Pieces(kKing)) |
+  return (PawnAttacks[kBlack][square] & Pieces(kWhite, kPawn)) | (PawnAttacks[kWhite][square] & Pieces(kBlack, kPawn)) |
+         (KnightAttacks[square] & Pieces(kKnight)) | (KingAttacks[square] & Pieces(kKing)) |
          (RookAttacks(square, occupied) & Pieces(kRook, kQueen)) |
          (BishopAttacks(square, occupied) & Pieces(kBishop, kQueen));
 }
@@ -133,12 +128,12 @@ template <Side Us> void FinishSpecialMove(PieceType type, int from, int to) {
 template void FinishSpecialMove<kWhite>(PieceType type, int from, int to);
 template void FinishSpecialMove<kBlack>(PieceType type, int from, int to);
 
-bool MoveGivesCheck(int level, int from, int to) {
+bool MoveGivesCheck(int ply, int from, int to) {
   const Side them = Opposite(SideOf(PieceOn(from)));
-  SaveState(level);
+  SaveState(ply);
   MakeMove(from, to);
   const bool check = IsInCheck(them);
-  RestoreState(level);
+  RestoreState(ply);
   return check;
 }
 

@@ -4,18 +4,21 @@
 // mover's colour is that of the piece on the from-square. The search's own move lists come from legal_moves.h.
 #pragma once
 
+#include <cassert>
+
+#include "board/array.h"
 #include "board/position.h"
 
 namespace zorvane {
 
-// The squares that the piece on from bears on, whatever stands there; pins and turns do not matter. A pawn bears on its
-// two capture squares alone.
+// The squares that the piece on from attacks, whatever stands there; pins and whose turn it is do not matter. A pawn
+// attacks its two capture squares.
 Bitboard PieceAttacks(int from);
 
-// True when the piece on from bears on the square to.
+// True when the piece on from attacks the square to.
 inline bool PieceAttacksSquare(int from, int to) { return Contains(PieceAttacks(from), to); }
 
-// All pieces of either side that bear on square when the occupied squares are those given.
+// All pieces of either side that attack the square, with sliders blocked by the occupied squares given.
 Bitboard AttackersTo(int square, Bitboard occupied);
 
 // True when a piece of bySide attacks the square. A piece attacks the first occupied square of a ray, of either
@@ -23,7 +26,7 @@ Bitboard AttackersTo(int square, Bitboard occupied);
 bool IsSquareAttacked(int square, Side bySide);
 
 // The square of the king of a side.
-inline int FindKingSquare(Side side) { return LowestSquare(Pieces(side, kKing)); }
+inline int FindKingSquare(Side side) { return Lsb(Pieces(side, kKing)); }
 
 // True when the king of side is attacked by the other side.
 bool IsInCheck(Side side);
@@ -49,10 +52,24 @@ inline bool IsEnPassantMove(int from, int to) {
          Absolute(FileOf(to) - FileOf(from)) == 1;
 }
 
+// The pawns of a side that attack the en-passant square; none when there is no such square. Whether the capture is
+// legal is not asked.
+inline Bitboard EnPassantCandidates(Side side) {
+  const int target = Position.EnPassantSquare;
+  return target == kNoSquare ? 0 : PawnAttacks[Opposite(side)][target] & Pieces(side, kPawn);
+}
+
 // True when the move takes something, en passant included.
 inline bool IsCaptureMove(int from, int to) {
   const Piece target = PieceOn(to);
   return target != kNoPiece ? SideOf(target) != SideOf(PieceOn(from)) : IsEnPassantMove(from, to);
+}
+
+// Where a set of pawns can be pushed to, one step and two; checks and pins not considered.
+template <Side Us> inline Bitboard SinglePushes(Bitboard pawns) { return ShiftForward<Us>(pawns) & ~Occupied(); }
+template <Side Us> inline Bitboard DoublePushes(Bitboard singlePushes) {
+  constexpr Bitboard firstStep = Us == kWhite ? RowMask(5) : RowMask(2);
+  return ShiftForward<Us>(singlePushes & firstStep) & ~Occupied();
 }
 
 // The moved flag that a rook of side sets by leaving square or by being taken there; 0 off its two corners.
@@ -72,18 +89,18 @@ void MakeMove(int from, int to);
 // MakeMove for a caller that knows the mover's side.
 template <Side Us> void MakeMoveOf(int from, int to);
 
-// True when the legal move attacks the enemy king, tried on the board through slot level of UndoStack.
-bool MoveGivesCheck(int level, int from, int to);
+// True when the legal move gives check. Makes it and takes it back through the UndoStack slot of ply.
+bool MoveGivesCheck(int ply, int from, int to);
 
-// Which flags a piece sets by leaving a square, or by being taken on it: a rook those of its corner, a king that of its
-// side wherever it stands.
-using MovedFlagTable = std::array<std::array<std::uint8_t, kSquares>, kPieceLimit>;
+// The castling rights that are lost when a piece leaves a square or is captured there: a rook's by its corner, a king's
+// wherever it stands.
+using MovedFlagTable = Array<Array<std::uint8_t, kSquares>, kPieceLimit>;
 
 constexpr MovedFlagTable MakeMovedFlagTable() {
   MovedFlagTable table{};
-  for (unsigned square = 0; square < kSquares; ++square) {
-    for (const Side side : {kWhite, kBlack}) {
-      table[MakePiece(side, kRook)][square] = RookCornerFlag(side, static_cast<int>(square));
+  for (int square = 0; square < kSquares; ++square) {
+    for (const Side side : kSides) {
+      table[MakePiece(side, kRook)][square] = RookCornerFlag(side, square);
       table[MakePiece(side, kKing)][square] = side == kWhite ? kWhiteKingMoved : kBlackKingMoved;
     }
   }
@@ -92,24 +109,25 @@ constexpr MovedFlagTable MakeMovedFlagTable() {
 
 inline constexpr MovedFlagTable kMovedFlagsBy = MakeMovedFlagTable();
 
-// What a pawn's double step, en passant, promotion or castling does beyond moving one piece.
+// What a double step, en passant, promotion or castling does beyond moving one piece.
 template <Side Us> void FinishSpecialMove(PieceType type, int from, int to);
 
 template <Side Us> inline void MakeMoveOf(int from, int to) {
   BoardState &state = Position;
-  const auto place = [](int square) { return static_cast<unsigned>(square); };
-  const Piece piece = state.Board[place(from)];
-  const Piece captured = state.Board[place(to)];
+  const Piece piece = state.Board[from];
+  const Piece captured = state.Board[to];
   const PieceType type = TypeOf(piece);
-  const SquareTerm &left = kSquareTerms[piece][place(from)];
-  const SquareTerm &entered = kSquareTerms[piece][place(to)];
-  const SquareTerm &taken = kSquareTerms[captured][place(to)];
+  assert(piece != kNoPiece && SideOf(piece) == Us);
+  assert(captured == kNoPiece || (SideOf(captured) != Us && TypeOf(captured) != kKing));
+  const SquareTerm &left = kSquareTerms[piece][from];
+  const SquareTerm &entered = kSquareTerms[piece][to];
+  const SquareTerm &taken = kSquareTerms[captured][to];
   const Bitboard change = Bit(from) | Bit(to);
 
   state.BySide[Us] ^= change;
   state.ByType[type - 1] ^= change;
-  state.Board[place(from)] = kNoPiece;
-  state.Board[place(to)] = piece;
+  state.Board[from] = kNoPiece;
+  state.Board[to] = piece;
   if (captured != kNoPiece) {
     state.BySide[Opposite(Us)] ^= Bit(to);
     state.ByType[TypeOf(captured) - 1] ^= Bit(to);
@@ -118,7 +136,7 @@ template <Side Us> inline void MakeMoveOf(int from, int to) {
   state.Sum.Scores = state.Sum.Scores + entered.Scores - left.Scores - taken.Scores;
   const auto reversible = static_cast<std::int32_t>((captured == kNoPiece) & (type != kPawn));
   state.HalfmoveClock = (state.HalfmoveClock + 1) * reversible;
-  state.MovedFlags |= static_cast<std::uint8_t>(kMovedFlagsBy[piece][place(from)] | kMovedFlagsBy[captured][place(to)]);
+  state.MovedFlags |= static_cast<std::uint8_t>(kMovedFlagsBy[piece][from] | kMovedFlagsBy[captured][to]);
 
   const bool onTarget = to == state.EnPassantSquare && captured == kNoPiece;
   state.EnPassantSquare = kNoSquare;

@@ -1,10 +1,9 @@
-// What one piece on one square adds to the sums that MakeMove keeps up to date.
+// What a piece on a square adds to the sums that MakeMove keeps up to date: board hash, material and placement.
 #pragma once
 
-#include <array>
-
+#include "board/array.h"
+#include "board/piece_values.h"
 #include "board/types.h"
-#include "evaluation/piece_terms.h"
 
 namespace zorvane {
 
@@ -19,29 +18,29 @@ struct SquareTerm {
   std::uint64_t Scores; // a PackScores
 };
 
-// Two sums in one word: the material in the upper half, in the lower one the placement, centipawns, negative for Black.
-// Such words are added and taken off as they are.
+// Two sums in one word: material in the upper half; in the lower half placement, negative for Black, so it may borrow
+// from the upper. Such words are added and subtracted as they are.
 constexpr std::uint64_t PackScores(int material, int placement) {
   return (static_cast<std::uint64_t>(material) << 32) + static_cast<std::uint64_t>(placement);
 }
-constexpr int PlacementOf(std::uint64_t scores) {
+constexpr int UnpackPlacement(std::uint64_t scores) {
   return static_cast<std::int32_t>(static_cast<std::uint32_t>(scores));
 }
-constexpr int MaterialOf(std::uint64_t scores) { return static_cast<int>((scores + (1U << 31)) >> 32); }
+constexpr int UnpackMaterial(std::uint64_t scores) { return static_cast<int>((scores + (1U << 31)) >> 32); }
 
-using SquareTermTable = std::array<std::array<SquareTerm, kSquares>, kPieceLimit>;
+using SquareTermTable = Array<Array<SquareTerm, kSquares>, kPieceLimit>;
 
 constexpr SquareTermTable MakeSquareTerms() {
   SquareTermTable table{};
   std::uint64_t power = 1;
   for (int square = kSquares - 1; square >= 0; --square) {
-    for (const Side side : {kWhite, kBlack}) {
-      for (unsigned number = kPawn; number <= kKing; ++number) {
+    for (const Side side : kSides) {
+      for (int number = kPawn; number <= kKing; ++number) {
         const auto type = static_cast<PieceType>(number);
         const Piece piece = MakePiece(side, type);
-        SquareTerm &term = table[piece][static_cast<unsigned>(square)];
+        SquareTerm &term = table[piece][square];
         term.Hash = static_cast<std::uint64_t>(PieceCode(piece)) * power % kHashModulus;
-        term.Scores = PackScores(MaterialOf(type), PlacementTerm(side, type, square) * (side == kWhite ? 1 : -1));
+        term.Scores = PackScores(MaterialValue(type), PlacementTerm(side, type, square) * (side == kWhite ? 1 : -1));
       }
     }
     power = power * kHashFactor % kHashModulus;

@@ -7,12 +7,14 @@ namespace zorvane {
 
 using Bitboard = std::uint64_t;
 
-enum Side : unsigned { kWhite, kBlack };
+enum Side : int { kWhite, kBlack };
 
-constexpr Side Opposite(Side side) { return static_cast<Side>(side ^ 1U); }
+inline constexpr Side kSides[] = {kWhite, kBlack};
+
+constexpr Side Opposite(Side side) { return static_cast<Side>(side ^ 1); }
 
 // Rook stands before knight, everywhere in the program.
-enum PieceType : unsigned { kNoType, kPawn, kRook, kKnight, kBishop, kQueen, kKing };
+enum PieceType : int { kNoType, kPawn, kRook, kKnight, kBishop, kQueen, kKing };
 
 constexpr int kPieceTypes = 6;
 
@@ -48,5 +50,11 @@ constexpr int FromOf(PackedMove move) { return move >> 6; }
 constexpr int ToOf(PackedMove move) { return move & 63; }
 
 constexpr int Absolute(int value) { return value < 0 ? -value : value; }
+
+// Steps between two squares by file and row, the Manhattan distance, and the most that they can be.
+constexpr int Distance(int from, int to) {
+  return Absolute(FileOf(from) - FileOf(to)) + Absolute(RowOf(from) - RowOf(to));
+}
+constexpr int kFarthestApart = 14;
 
 } // namespace zorvane

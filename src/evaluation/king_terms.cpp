@@ -2,7 +2,8 @@
 
 #include <algorithm>
 
-#include "evaluation/piece_terms.h"
+#include "board/array.h"
+#include "board/piece_values.h"
 
 namespace zorvane {
 
@@ -10,120 +11,114 @@ namespace {
 
 constexpr int kShieldPawn = 12;
 constexpr int kCastledBonus = 35;
-constexpr int kRankWish = -12;
-constexpr int kFileWish = -3;
-constexpr int kCentreWish = 5;
+constexpr int kRankPenalty = 12;    // in the middlegame, for each rank from the back rank
+constexpr int kFilePenalty = 3;     // and for each point of file centrality
+constexpr int kCentralityBonus = 5; // in the endgame
 constexpr int kFullShield = 3;
 constexpr int kCountedZoneSquares = 3;
 
-// What a piece of each type counts for each of up to three zone squares that it bears on, by PieceType.
-constexpr std::array<int, kPieceTypes + 1> kAttackWeights{0, 1, 3, 2, 2, 5, 1};
+// The weight of each zone square that a piece attacks, of which three count, by PieceType.
+constexpr Array<int, kPieceTypes + 1> kAttackWeights{0, 1, 3, 2, 2, 5, 1};
 
-// What a king's square gives it; everything but the shield and the attackers.
+// What a king's square gives it, and where its shield and its attackers are looked for.
 struct KingSquare {
-  std::int16_t MiddleGame;
-  std::int16_t EndGame;
-  Bitboard Shield;              // where pawns shield it
-  std::array<Bitboard, 2> Zone; // where attackers count: with a shield, without
+  std::int16_t Middlegame;
+  std::int16_t Endgame;
+  Bitboard Shield;         // where pawns shield it
+  Array<Bitboard, 2> Zone; // where attackers count: with a shield, without
 };
 
-constexpr Bitboard WithNeighbours(int square) { return Bit(square) | TowardsA(Bit(square)) | TowardsH(Bit(square)); }
+constexpr Bitboard WithNeighbours(int square) { return Bit(square) | ShiftWest(Bit(square)) | ShiftEast(Bit(square)); }
 
 template <Side Us> constexpr KingSquare MakeKingSquare(int square) {
   const int rank = RelativeRank(Us, square);
   const bool castled = rank == 0 && (FileOf(square) == 2 || FileOf(square) == 6);
   const Bitboard row = WithNeighbours(square);
-  const Bitboard first = Ahead<Us>(row);
-  const Bitboard near = Behind<Us>(row) | row | first | Ahead<Us>(first);
-  return {
-      static_cast<std::int16_t>(kRankWish * rank + kFileWish * FileCentrality(square) + (castled ? kCastledBonus : 0)),
-      static_cast<std::int16_t>(kCentreWish * (FileCentrality(square) + RankCentrality(square))),
-      first,
-      {near, near | Ahead<Us>(Ahead<Us>(first))}};
+  const Bitboard first = ShiftForward<Us>(row);
+  const Bitboard near = ShiftBackward<Us>(row) | row | first | ShiftForward<Us>(first);
+  return {static_cast<std::int16_t>(-kRankPenalty * rank - kFilePenalty * FileCentrality(square) +
+                                    (castled ? kCastledBonus : 0)),
+          static_cast<std::int16_t>(kCentralityBonus * (FileCentrality(square) + RankCentrality(square))),
+          first,
+          {near, near | ShiftForward<Us>(ShiftForward<Us>(first))}};
 }
 
-template <Side Us> constexpr std::array<KingSquare, kSquares> MakeKingSquares() {
-  std::array<KingSquare, kSquares> table{};
+template <Side Us> constexpr Array<KingSquare, kSquares> MakeKingSquares() {
+  Array<KingSquare, kSquares> table{};
   for (int square = 0; square < kSquares; ++square)
-    table[static_cast<unsigned>(square)] = MakeKingSquare<Us>(square);
+    table[square] = MakeKingSquare<Us>(square);
   return table;
 }
 
-template <Side Us> constexpr std::array<KingSquare, kSquares> kKingSquares = MakeKingSquares<Us>();
+template <Side Us> constexpr Array<KingSquare, kSquares> kKingSquares = MakeKingSquares<Us>();
 
-// The blend lies between the two wishes, so the outermost of all wishes are the outermost terms.
-constexpr int FindKingPlaceSpread() {
+// A blend lies between its middlegame and endgame values, so their extremes bound every king's term.
+constexpr int KingPlacementSpread() {
   int lowest = 0;
   int highest = 0;
   for (const KingSquare &place : kKingSquares<kWhite>) {
-    lowest = std::min<int>({lowest, place.MiddleGame, place.EndGame});
-    highest = std::max<int>({highest, place.MiddleGame + kShieldPawn * CountSquares(place.Shield), place.EndGame});
+    lowest = std::min<int>({lowest, place.Middlegame, place.Endgame});
+    highest = std::max<int>({highest, place.Middlegame + kShieldPawn * PopCount(place.Shield), place.Endgame});
   }
   return highest - lowest;
 }
-static_assert(FindKingPlaceSpread() == kKingPlaceSpread);
+static_assert(KingPlacementSpread() == kKingPlacementSpread);
 
 // Attackers and their weighted squares stand in one sum, the attackers in the upper half.
 constexpr int kOneAttacker = 1 << 16;
 constexpr int kLargestZone = 15;
 
-// What a piece adds to the sum, by type and number of zone squares that it bears on.
-constexpr std::array<std::array<int, kLargestZone + 1>, kPieceTypes + 1> MakeZoneTerms() {
-  std::array<std::array<int, kLargestZone + 1>, kPieceTypes + 1> table{};
-  for (unsigned type = kPawn; type <= kKing; ++type)
+// What a piece adds to the sum, by type and number of zone squares that it attacks.
+constexpr Array<Array<int, kLargestZone + 1>, kPieceTypes + 1> MakeZoneTerms() {
+  Array<Array<int, kLargestZone + 1>, kPieceTypes + 1> table{};
+  for (int type = kPawn; type <= kKing; ++type)
     for (int squares = 1; squares <= kLargestZone; ++squares)
-      table[type][static_cast<unsigned>(squares)] =
-          kOneAttacker + kAttackWeights[type] * std::min(squares, kCountedZoneSquares);
+      table[type][squares] = kOneAttacker + kAttackWeights[type] * std::min(squares, kCountedZoneSquares);
   return table;
 }
 
-constexpr std::array<std::array<int, kLargestZone + 1>, kPieceTypes + 1> kZoneTerms = MakeZoneTerms();
+constexpr Array<Array<int, kLargestZone + 1>, kPieceTypes + 1> kZoneTerms = MakeZoneTerms();
 
-int ZoneTerm(PieceType type, Bitboard zoneSquares) {
-  return kZoneTerms[type][static_cast<unsigned>(CountSquares(zoneSquares))];
-}
+int ZoneTerm(PieceType type, Bitboard zoneSquares) { return kZoneTerms[type][PopCount(zoneSquares)]; }
 
-// A pawn bears on two squares at most, so all of a side's are counted at once.
+// A pawn attacks two squares at most, fewer than count, so all of a side's are counted at once.
 template <Side Attacker> int PawnZoneTerms(Bitboard zone) {
   const Bitboard pawns = Pieces(Attacker, kPawn);
-  const Bitboard towardsA = TowardsA(Ahead<Attacker>(pawns)) & zone;
-  const Bitboard towardsH = TowardsH(Ahead<Attacker>(pawns)) & zone;
-  return kOneAttacker * CountSquares(Behind<Attacker>(TowardsH(towardsA) | TowardsA(towardsH))) +
-         kAttackWeights[kPawn] * (CountSquares(towardsA) + CountSquares(towardsH));
+  const Bitboard towardsA = ShiftWest(ShiftForward<Attacker>(pawns)) & zone;
+  const Bitboard towardsH = ShiftEast(ShiftForward<Attacker>(pawns)) & zone;
+  return kOneAttacker * PopCount(ShiftBackward<Attacker>(ShiftEast(towardsA) | ShiftWest(towardsH))) +
+         kAttackWeights[kPawn] * (PopCount(towardsA) + PopCount(towardsH));
 }
 
 // The attackers of a zone and their weighted squares.
 template <Side Attacker> int ZoneSum(Bitboard zone) {
   const Bitboard occupied = Occupied();
-  int sum = PawnZoneTerms<Attacker>(zone) +
-            ZoneTerm(kKing, KingAttacks[static_cast<unsigned>(FindKingSquare(Attacker))] & zone);
+  int sum = PawnZoneTerms<Attacker>(zone) + ZoneTerm(kKing, KingAttacks[FindKingSquare(Attacker)] & zone);
   for (Bitboard rooks = Pieces(Attacker, kRook); rooks != 0;)
-    sum += ZoneTerm(kRook, RookAttacks(PopSquare(rooks), occupied) & zone);
+    sum += ZoneTerm(kRook, RookAttacks(PopLsb(rooks), occupied) & zone);
   for (Bitboard knights = Pieces(Attacker, kKnight); knights != 0;)
-    sum += ZoneTerm(kKnight, KnightAttacks[static_cast<unsigned>(PopSquare(knights))] & zone);
+    sum += ZoneTerm(kKnight, KnightAttacks[PopLsb(knights)] & zone);
   for (Bitboard bishops = Pieces(Attacker, kBishop); bishops != 0;)
-    sum += ZoneTerm(kBishop, BishopAttacks(PopSquare(bishops), occupied) & zone);
+    sum += ZoneTerm(kBishop, BishopAttacks(PopLsb(bishops), occupied) & zone);
   for (Bitboard queens = Pieces(Attacker, kQueen); queens != 0;)
-    sum += ZoneTerm(kQueen, QueenAttacks(PopSquare(queens), occupied) & zone);
+    sum += ZoneTerm(kQueen, QueenAttacks(PopLsb(queens), occupied) & zone);
   return sum;
 }
 
-template <Side Us> const KingSquare &PlaceOfKing() {
-  return kKingSquares<Us>[static_cast<unsigned>(FindKingSquare(Us))];
-}
+template <Side Us> const KingSquare &KingSquareOf() { return kKingSquares<Us>[FindKingSquare(Us)]; }
 
-template <Side Us> int CountShield(const KingSquare &place) { return CountSquares(place.Shield & Pieces(Us, kPawn)); }
+template <Side Us> int CountShield(const KingSquare &place) { return PopCount(place.Shield & Pieces(Us, kPawn)); }
 
 } // namespace
 
-template <Side Us> int KingPlaceTerm(const Phase &phase) {
-  const KingSquare &place = PlaceOfKing<Us>();
-  const int middleGame = kShieldPawn * CountShield<Us>(place) + place.MiddleGame;
-  return (middleGame * phase.GamePhase + place.EndGame * phase.EndgameWeight) / kFullPhase;
+template <Side Us> int KingPlacementTerm(const Phase &phase) {
+  const KingSquare &place = KingSquareOf<Us>();
+  const int middlegame = kShieldPawn * CountShield<Us>(place) + place.Middlegame;
+  return (middlegame * phase.GamePhase + place.Endgame * phase.EndgameWeight) / kFullPhase;
 }
 
 template <Side Us> int KingAttackPenalty(const Phase &phase) {
-  const KingSquare &place = PlaceOfKing<Us>();
+  const KingSquare &place = KingSquareOf<Us>();
   const int shield = CountShield<Us>(place);
   const int sum = ZoneSum<Opposite(Us)>(place.Zone[shield > 0 ? 0 : 1]);
   if (sum < 2 * kOneAttacker)
@@ -134,8 +129,8 @@ template <Side Us> int KingAttackPenalty(const Phase &phase) {
   return ScaleByQueen<Opposite(Us)>(penalty);
 }
 
-template int KingPlaceTerm<kWhite>(const Phase &phase);
-template int KingPlaceTerm<kBlack>(const Phase &phase);
+template int KingPlacementTerm<kWhite>(const Phase &phase);
+template int KingPlacementTerm<kBlack>(const Phase &phase);
 template int KingAttackPenalty<kWhite>(const Phase &phase);
 template int KingAttackPenalty<kBlack>(const Phase &phase);
 

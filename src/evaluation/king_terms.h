@@ -1,4 +1,4 @@
-// The worth of a king's place: shelter in the middle game, the centre in the end game, attackers around it.
+// The terms of a king: shelter in the middlegame, centralisation in the endgame, and the attack on its zone.
 #pragma once
 
 #include "board/rules.h"
@@ -6,22 +6,22 @@
 
 namespace zorvane {
 
-// The most that two kings' places can differ in worth.
-constexpr int kKingPlaceSpread = 167;
+// The most that the placement terms of two kings can differ, centipawns.
+constexpr int kKingPlacementSpread = 167;
 
-// What its square and the pawns in front of it give the king of Us, centipawns, unsigned for colour, without the
-// constant that both kings have.
-template <Side Us> int KingPlaceTerm(const Phase &phase);
+// What its square and the pawns in front of it give the king of Us: centipawns, the more the better, either side. The
+// constant that both kings have is left out.
+template <Side Us> int KingPlacementTerm(const Phase &phase);
 
-// What the attackers around it cost the king of Us: 0 to HighestAttackPenalty.
+// What the attackers of its zone cost the king of Us: centipawns, 0 to HighestAttackPenalty.
 template <Side Us> int KingAttackPenalty(const Phase &phase);
 
-// Attackers without a queen earn the fourth part of a penalty, which is 0 or more.
+// Attackers without a queen count a quarter. The penalty is 0 or more.
 template <Side Attacker> inline int ScaleByQueen(int penalty) {
   return penalty >> (Pieces(Attacker, kQueen) == 0 ? 2 : 0);
 }
 
-// No attack on the king of Us costs more.
+// The most that any attack on the king of Us can cost in this phase.
 template <Side Us> inline int HighestAttackPenalty(const Phase &phase) {
   return ScaleByQueen<Opposite(Us)>(phase.HighestAttackPenalty);
 }

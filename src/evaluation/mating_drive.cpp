@@ -13,7 +13,6 @@ constexpr int kPerStepToEdge = 35;
 constexpr int kPerStepOfKings = 18;
 constexpr int kAllSteps = 8;
 constexpr int kFarthestFromEdge = 3;
-constexpr int kFarthestKings = 14;
 
 // The drive of Us against the bare king of the other side.
 template <Side Us> int DriveOf() {
@@ -23,10 +22,9 @@ template <Side Us> int DriveOf() {
   const int file = FileOf(bare);
   const int row = RowOf(bare);
   const int fromEdge = std::min({file, 7 - file, row, 7 - row});
-  const int apart = Absolute(FileOf(own) - file) + Absolute(RowOf(own) - row);
-  const int moves = CountSquares(KingSteps<bareSide>(bare, kAllSquares));
+  const int moves = PopCount(KingSteps<bareSide>(bare, kAllSquares));
   return (kAllSteps - moves) * kPerMissingMove + (kFarthestFromEdge - fromEdge) * kPerStepToEdge +
-         (kFarthestKings - apart) * kPerStepOfKings;
+         (kFarthestApart - Distance(own, bare)) * kPerStepOfKings;
 }
 
 } // namespace

@@ -6,7 +6,7 @@
 namespace zorvane {
 
 // True when the side has nothing but its king.
-inline bool IsBare(Side side) { return !HasSeveral(Position.BySide[side]); }
+inline bool IsBare(Side side) { return !MoreThanOne(Position.BySide[side]); }
 
 // The drive of a position in which a side is bare.
 int DriveAgainstBareKing();

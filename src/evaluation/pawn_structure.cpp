@@ -2,15 +2,16 @@
 
 #include <algorithm>
 
+#include "board/array.h"
 #include "board/memory_block.h"
+#include "board/piece_values.h"
 #include "board/rules.h"
-#include "evaluation/piece_terms.h"
 
 namespace zorvane {
 
-bool PawnCacheEnabled;
-
 namespace {
+
+bool PawnCacheEnabled = true;
 
 constexpr int kPawnCacheBits = 10;
 constexpr std::size_t kPawnCacheSlots = std::size_t{1} << kPawnCacheBits;
@@ -25,7 +26,7 @@ constexpr int kSupportedPerRank = 2; // on top of either
 // The same four squares for both sides.
 constexpr Bitboard kCentralSquares = (FileMask(3) | FileMask(4)) & (RowMask(3) | RowMask(4));
 
-constexpr Bitboard Beside(Bitboard set) { return TowardsA(set) | TowardsH(set); }
+constexpr Bitboard Beside(Bitboard set) { return ShiftWest(set) | ShiftEast(set); }
 
 constexpr Bitboard FillFiles(Bitboard set) {
   set |= set >> 8;
@@ -35,38 +36,38 @@ constexpr Bitboard FillFiles(Bitboard set) {
 }
 
 template <Side Us> constexpr Bitboard FillBehind(Bitboard set) {
-  set |= Behind<Us>(set);
-  set |= Behind<Us>(Behind<Us>(set));
+  set |= ShiftBackward<Us>(set);
+  set |= ShiftBackward<Us>(ShiftBackward<Us>(set));
   return set | (Us == kWhite ? set << 32 : set >> 32);
 }
 
 template <Side Us> constexpr Bitboard ConnectedPawns(Bitboard pawns) {
   const Bitboard beside = Beside(pawns);
-  return pawns & (beside | Ahead<Us>(beside) | Behind<Us>(beside));
+  return pawns & (beside | ShiftForward<Us>(beside) | ShiftBackward<Us>(beside));
 }
 
 template <Side Us> constexpr Bitboard ProtectedPawns(Bitboard pawns) { return pawns & PawnCaptures<Us>(pawns); }
 
 // An enemy pawn on the same or a neighbouring file counts when it stands further ahead, not when it is level.
 template <Side Us> constexpr Bitboard PassedPawns(Bitboard pawns, Bitboard enemyPawns) {
-  const Bitboard stopped = FillBehind<Us>(Behind<Us>(enemyPawns));
+  const Bitboard stopped = FillBehind<Us>(ShiftBackward<Us>(enemyPawns));
   return pawns & ~(stopped | Beside(stopped));
 }
 
-// The penalty (n - 1) * 12 of a file is spread evenly over its n pawns, so five or seven of them do not have whole
-// terms.
+// A file's penalty, (n - 1) * 12, is spread evenly over its n pawns, which have (n - 1) * 12 / n each. Up to six pawns
+// fit a file of a game. For n of 1, 2, 3, 4, 6 that is a whole number and for 8 it is 10.5, exact in binary: the sum is
+// exact in any order. Fifths and sevenths are not exact.
+constexpr bool IsFractionalCount(int pawnsOnFile) { return pawnsOnFile == 5 || pawnsOnFile == 7; }
 constexpr int kFewestFractional = 5;
 
 bool HasFractionalFile(Bitboard pawns) {
-  for (int file = 0; file < 8; ++file) {
-    const int count = CountSquares(pawns & FileMask(file));
-    if (count == kFewestFractional || count == 7)
+  for (int file = 0; file < 8; ++file)
+    if (IsFractionalCount(PopCount(pawns & FileMask(file))))
       return true;
-  }
   return false;
 }
 
-// What the pawns of a side are worth beyond their squares.
+// Fills in the fields about the pawns of Us and returns their terms beyond PlacementTerm.
 template <Side Us> int AddSide(PawnStructure &structure) {
   const Bitboard pawns = structure.Pawns[Us];
   structure.Files[Us] = FillFiles(pawns);
@@ -74,10 +75,10 @@ template <Side Us> int AddSide(PawnStructure &structure) {
   const Bitboard connected = ConnectedPawns<Us>(pawns);
   const Bitboard backed = ProtectedPawns<Us>(pawns);
 
-  const int doubled = CountSquares(pawns) - CountSquares(structure.Files[Us] & kRow0);
-  int score = -kDoubledPenalty * doubled - kIsolatedPenalty * CountSquares(pawns & ~Beside(structure.Files[Us]));
-  for (Bitboard rest = structure.Passed[Us]; rest != 0;) {
-    const int square = PopSquare(rest);
+  const int doubled = PopCount(pawns) - PopCount(structure.Files[Us] & kRow0);
+  int score = -kDoubledPenalty * doubled - kIsolatedPenalty * PopCount(pawns & ~Beside(structure.Files[Us]));
+  for (Bitboard passed = structure.Passed[Us]; passed != 0;) {
+    const int square = PopLsb(passed);
     const int rank = RelativeRank(Us, square);
     score += kPassedPerSquaredRank * rank * rank;
     score += Contains(connected, square) ? kConnectedPassed + kSupportedPerRank * rank : 0;
@@ -95,10 +96,10 @@ struct TermLimits {
 };
 
 TermLimits PhaseTermLimits(const PawnStructure &structure, Side side) {
-  TermLimits limits{0, kCentralPawn * CountSquares(structure.Pawns[side] & kCentralSquares)};
+  TermLimits limits{0, kCentralPawn * PopCount(structure.Pawns[side] & kCentralSquares)};
   for (Bitboard rest = structure.Passed[side]; rest != 0;) {
     limits.Lowest -= kRaceLimit;
-    limits.Highest += kRaceLimit + PassedEndgameLimit(RelativeRank(side, PopSquare(rest)));
+    limits.Highest += kRaceLimit + PassedEndgameLimit(RelativeRank(side, PopLsb(rest)));
   }
   return limits;
 }
@@ -107,42 +108,40 @@ void WorkOut(PawnStructure &structure, Bitboard whitePawns, Bitboard blackPawns)
   structure = {};
   structure.Pawns = {whitePawns, blackPawns};
   structure.Score = AddSide<kWhite>(structure) - AddSide<kBlack>(structure);
-  structure.CentralPawns = static_cast<std::int16_t>(CountSquares(whitePawns & kCentralSquares) -
-                                                     CountSquares(blackPawns & kCentralSquares));
+  structure.CentralPawns =
+      static_cast<std::int16_t>(PopCount(whitePawns & kCentralSquares) - PopCount(blackPawns & kCentralSquares));
   const TermLimits white = PhaseTermLimits(structure, kWhite);
   const TermLimits black = PhaseTermLimits(structure, kBlack);
   structure.LowestPhaseTerms = static_cast<std::int16_t>(white.Lowest - black.Highest);
   structure.HighestPhaseTerms = static_cast<std::int16_t>(white.Highest - black.Lowest);
 }
 
-// Steps between two squares, counted by file and by row.
-constexpr std::array<std::array<std::int8_t, kSquares>, kSquares> MakeStepTable() {
-  std::array<std::array<std::int8_t, kSquares>, kSquares> table{};
+constexpr Array<Array<std::int8_t, kSquares>, kSquares> MakeDistanceTable() {
+  Array<Array<std::int8_t, kSquares>, kSquares> table{};
   for (int from = 0; from < kSquares; ++from)
     for (int to = 0; to < kSquares; ++to)
-      table[static_cast<unsigned>(from)][static_cast<unsigned>(to)] =
-          static_cast<std::int8_t>(Absolute(FileOf(from) - FileOf(to)) + Absolute(RowOf(from) - RowOf(to)));
+      table[from][to] = static_cast<std::int8_t>(Distance(from, to));
   return table;
 }
 
-constexpr std::array<std::array<std::int8_t, kSquares>, kSquares> kSteps = MakeStepTable();
+constexpr Array<Array<std::int8_t, kSquares>, kSquares> kDistances = MakeDistanceTable();
 
 int PassedEndgameTerm(const Phase &phase, Side side, int square) {
-  return phase.PassedEndgameTerm[static_cast<unsigned>(RelativeRank(side, square))];
+  return phase.PassedEndgameTerm[RelativeRank(side, square)];
 }
 
+// The race of the kings to a passed pawn.
 int RaceTerm(const Phase &phase, int square, int ownKing, int enemyKing) {
-  const auto place = static_cast<unsigned>(square);
-  const int lead = kSteps[static_cast<unsigned>(enemyKing)][place] - kSteps[static_cast<unsigned>(ownKing)][place];
-  return phase.RaceTerms[static_cast<unsigned>(lead + kFarthestApart)];
+  const int lead = kDistances[enemyKing][square] - kDistances[ownKing][square];
+  return phase.RaceTerms[lead + kFarthestApart];
 }
 
-int PassedScore(const PawnStructure &structure, const Phase &phase, Side side) {
+int PassedPhaseTerms(const PawnStructure &structure, const Phase &phase, Side side) {
   const int ownKing = FindKingSquare(side);
   const int enemyKing = FindKingSquare(Opposite(side));
   int score = 0;
   for (Bitboard passed = structure.Passed[side]; passed != 0;) {
-    const int square = PopSquare(passed);
+    const int square = PopLsb(passed);
     score += PassedEndgameTerm(phase, side, square) + RaceTerm(phase, square, ownKing, enemyKing);
   }
   return score;
@@ -162,6 +161,8 @@ PawnStructure &SlotFor(Bitboard whitePawns, Bitboard blackPawns) {
 
 } // namespace
 
+void EnablePawnCache(bool enabled) { PawnCacheEnabled = enabled; }
+
 const PawnStructure &CurrentPawnStructure() {
   const Bitboard whitePawns = Pieces(kWhite, kPawn);
   const Bitboard blackPawns = Pieces(kBlack, kPawn);
@@ -172,10 +173,11 @@ const PawnStructure &CurrentPawnStructure() {
 }
 
 int PawnPhaseScore(const PawnStructure &structure, const Phase &phase) {
-  return structure.CentralPawns * phase.CentralPawnBonus + PassedScore(structure, phase, kWhite) -
-         PassedScore(structure, phase, kBlack);
+  return structure.CentralPawns * phase.CentralPawnBonus + PassedPhaseTerms(structure, phase, kWhite) -
+         PassedPhaseTerms(structure, phase, kBlack);
 }
 
+// Term by term in this very order, as each addition behind the fraction rounds.
 double PawnTerm(const PawnStructure &structure, const Phase &phase, int square) {
   const Side side = SideOf(PieceOn(square));
   const Bitboard own = structure.Pawns[side];
@@ -183,9 +185,8 @@ double PawnTerm(const PawnStructure &structure, const Phase &phase, int square) 
   double term = PlacementTerm(side, kPawn, square);
   if (Contains(kCentralSquares, square))
     term += phase.CentralPawnBonus;
-  const int sameFile = CountSquares(own & FileMask(FileOf(square)));
-  if (sameFile > 1)
-    term += static_cast<double>((sameFile - 1) * -kDoubledPenalty) / sameFile;
+  const int sameFile = PopCount(own & FileMask(FileOf(square)));
+  term += static_cast<double>((sameFile - 1) * -kDoubledPenalty) / sameFile;
   if ((own & Beside(FileMask(FileOf(square)))) == 0)
     term -= kIsolatedPenalty;
   if (!Contains(structure.Passed[side], square))

@@ -1,28 +1,27 @@
-// The worth of the pawns, and the cache of what depends on the pawns alone.
+// The terms of the pawns, and the cache of what depends on the pawns alone.
 #pragma once
 
-#include <array>
-
+#include "board/array.h"
 #include "board/position.h"
 #include "evaluation/phase.h"
 
 namespace zorvane {
 
-// What one placement of pawns is worth before phase and kings come in. A slot of the PawnCache is one of these; all
-// zero, as it is at first, it is right for a board without pawns.
+// What follows from a placement of pawns alone. A slot of the PawnCache is one of these; all zero, as it is at first,
+// it is right for a board without pawns.
 struct alignas(64) PawnStructure {
-  std::array<Bitboard, 2> Pawns; // by side; the placement that the other fields are about
-  std::array<Bitboard, 2> Passed;
-  std::array<Bitboard, 2> Files; // all squares of the files that hold pawns of the side
-  std::int32_t Score;            // centipawns beyond the squares' own, White's minus Black's
+  Array<Bitboard, 2> Pawns; // by side; the placement that the other fields are about
+  Array<Bitboard, 2> Passed;
+  Array<Bitboard, 2> Files;      // all squares of the files that hold pawns of the side
+  std::int32_t Score;            // centipawns beyond PlacementTerm, White's minus Black's
   std::int16_t CentralPawns;     // pawns that earn CentralPawnBonus, White's minus Black's
   std::int16_t LowestPhaseTerms; // what phase and kings may add to Score, at the least and at the most
   std::int16_t HighestPhaseTerms;
-  bool IsFractional; // five or seven pawns on a file: doubled terms that are no whole numbers
+  bool IsFractional; // five or seven pawns of a side on a file: doubled terms that are inexact fractions
 };
 
-// Request flag 2. With it off nothing is cached, and every value stays the same.
-extern bool PawnCacheEnabled;
+// With false nothing is cached, and every value stays the same. On at program start.
+void EnablePawnCache(bool enabled);
 
 // The structure of the pawns on the board, from the cache or worked out. Good until the next call. Allocates the cache
 // on first use.

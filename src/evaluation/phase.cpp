@@ -1,5 +1,7 @@
 #include "evaluation/phase.h"
 
+#include "board/array.h"
+
 namespace zorvane {
 
 namespace {
@@ -16,23 +18,22 @@ constexpr Phase MakePhase(int gamePhase) {
   phase.CentralPawnBonus = static_cast<std::int8_t>(kCentralPawn * gamePhase / kFullPhase);
   phase.QueenSortiePenalty = static_cast<std::int8_t>(kQueenSortie * gamePhase / kFullPhase);
   for (int rank = 0; rank < 8; ++rank)
-    phase.PassedEndgameTerm[static_cast<unsigned>(rank)] =
-        static_cast<std::int16_t>(PassedEndgameLimit(rank) * endgameWeight / kFullPhase);
+    phase.PassedEndgameTerm[rank] = static_cast<std::int16_t>(PassedEndgameLimit(rank) * endgameWeight / kFullPhase);
   for (int lead = -kFarthestApart; lead <= kFarthestApart; ++lead)
-    phase.RaceTerms[static_cast<unsigned>(lead + kFarthestApart)] =
+    phase.RaceTerms[lead + kFarthestApart] =
         static_cast<std::int8_t>(std::clamp(kRaceFactor * lead * endgameWeight / kFullPhase, -kRaceLimit, kRaceLimit));
   return phase;
 }
 
-constexpr std::array<Phase, kPhases> MakePhaseTable() {
-  std::array<Phase, kPhases> table{};
+constexpr Array<Phase, kPhases> MakePhaseTable() {
+  Array<Phase, kPhases> table{};
   for (int unit = 0; unit < kPhases; ++unit)
-    table[static_cast<unsigned>(unit)] = MakePhase(unit * kPhaseUnit);
+    table[unit] = MakePhase(unit * kPhaseUnit);
   return table;
 }
 
 } // namespace
 
-constexpr std::array<Phase, kPhases> PhaseTable = MakePhaseTable();
+constexpr Array<Phase, kPhases> PhaseTable = MakePhaseTable();
 
 } // namespace zorvane

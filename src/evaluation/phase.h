@@ -2,14 +2,13 @@
 #pragma once
 
 #include <algorithm>
-#include <array>
 
+#include "board/array.h"
 #include "board/position.h"
 
 namespace zorvane {
 
 constexpr int kFullPhase = 6400;
-constexpr int kFarthestApart = 14; // steps from one corner to the other, counted by file and row
 
 // Every piece's material is a multiple of this, so there are few different phases.
 constexpr int kPhaseUnit = 10;
@@ -28,15 +27,13 @@ struct alignas(64) Phase {
   std::int16_t HighestAttackPenalty; // of the attackers around a king
   std::int8_t CentralPawnBonus;
   std::int8_t QueenSortiePenalty;
-  std::array<std::int16_t, 8> PassedEndgameTerm;             // by relative rank
-  std::array<std::int8_t, 2 * kFarthestApart + 1> RaceTerms; // by the own king's lead in steps, from -14 on
+  Array<std::int16_t, 8> PassedEndgameTerm;             // by relative rank
+  Array<std::int8_t, 2 * kFarthestApart + 1> RaceTerms; // by the own king's lead in steps, from -14 on
 };
 
 // By GamePhase in units.
-extern const std::array<Phase, kPhases> PhaseTable;
+extern const Array<Phase, kPhases> PhaseTable;
 
-inline const Phase &CurrentPhase() {
-  return PhaseTable[static_cast<unsigned>(std::min(MaterialSum(), kFullPhase) / kPhaseUnit)];
-}
+inline const Phase &CurrentPhase() { return PhaseTable[std::min(MaterialSum(), kFullPhase) / kPhaseUnit]; }
 
 } // namespace zorvane

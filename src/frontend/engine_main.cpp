@@ -3,16 +3,16 @@
 #include <cstdio>
 #include <cstring>
 
+#include "board/bitboard.h"
+#include "board/fen.h"
 #include "board/number_text.h"
 #include "board/perft.h"
-#include "board/position.h"
 #include "evaluation/evaluate.h"
-#include "evaluation/pawn_structure.h"
 #include "frontend/exit_code.h"
 #include "frontend/request_file.h"
+#include "frontend/search_report.h"
 #include "frontend/uci_loop.h"
 #include "platform/platform.h"
-#include "search/root_search.h"
 #include "search/search_driver.h"
 #include "search/stop_control.h"
 #include "search/transposition_table.h"
@@ -50,9 +50,7 @@ int RunEval() {
 int RunBench(int depth) {
   if (depth < 1 || depth > kDepthLimit)
     return kFailure;
-  MaxDepth = depth;
-  TimeLimitSeconds = kBenchTimeLimitSeconds;
-  RunSearch();
+  RunSearch({depth, kBenchTimeLimitSeconds});
   PrintSearchResult();
   return kSuccess;
 }
@@ -82,11 +80,6 @@ int RunMode(int argc, char **argv) {
 
 void StartEngine() {
   InitializeBitboards();
-  ResetSearchState();
-  UseTranspositionMoves = true;
-  PawnCacheEnabled = true;
-  UseHints = false;
-  UseEndgameHints = true;
   StartProgramClock();
   ResizeTransposition(kDefaultTableKb);
   LoadFen(StartFen);

@@ -6,7 +6,7 @@ namespace zorvane {
 // Runs the mode that the arguments name and returns the exit code of the process, 0 or 2.
 int EngineMain(int argc, char **argv);
 
-// Makes the engine ready for its first search: tables, defaults of limits and flags, clock, the initial position.
+// Makes the engine ready for its first search: tables, clock, the initial position.
 void StartEngine();
 
 } // namespace zorvane

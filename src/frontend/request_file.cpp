@@ -4,15 +4,14 @@
 #include <cstdio>
 #include <cstring>
 
+#include "board/fen.h"
 #include "board/move_text.h"
 #include "board/number_text.h"
-#include "board/position.h"
-#include "evaluation/pawn_structure.h"
 #include "frontend/exit_code.h"
 #include "frontend/text_line.h"
 #include "platform/platform.h"
 #include "search/best_line.h"
-#include "search/root_search.h"
+#include "search/hints.h"
 #include "search/search_driver.h"
 #include "search/stop_control.h"
 #include "search/transposition_table.h"
@@ -22,6 +21,7 @@ namespace zorvane {
 namespace {
 
 constexpr std::size_t kLongestPath = 3900;
+constexpr std::size_t kPathBufferSize = 4096; // a path with any of the endings
 constexpr std::size_t kTokenSize = 128;
 
 constexpr char kHeader[] = "ZORVANE_C_REQUEST_1";
@@ -112,8 +112,7 @@ bool ReadParameters(const Line &line, Parameters &read) {
 
 bool AreInRange(const Parameters &parameters) {
   return parameters.TimeMs >= kShortestTimeMs && parameters.TimeMs <= kLongestTimeMs && parameters.Depth >= 1 &&
-         parameters.Depth <= kDepthLimit &&
-         (parameters.HashKb == 0 || parameters.HashKb == 512 || parameters.HashKb == 1024);
+         parameters.Depth <= kDepthLimit && IsTableSize(parameters.HashKb);
 }
 
 // Plays the position line from the initial position; false when it is no valid one.
@@ -126,29 +125,25 @@ bool SetRequestedPosition(char *line) {
 }
 
 void ReadHints(std::FILE *file, Line &line) {
-  HintList.Count = 0;
-  while (HintList.Count < kHintLimit && ReadLine(file, line)) {
-    Hint &hint = HintList.Hints[static_cast<unsigned>(HintList.Count)];
-    if (std::sscanf(line.data(), "%7s %lf %lf", hint.Text.data(), &hint.Bonus, &hint.Penalty) == 3)
-      ++HintList.Count;
-  }
+  ClearHints();
+  Hint hint{};
+  while (!IsHintListFull() && ReadLine(file, line))
+    if (std::sscanf(line.data(), "%7s %lf %lf", hint.Text.data(), &hint.Values.Bonus, &hint.Values.Penalty) == 3)
+      AddHint(hint);
 }
 
 void SearchRequest(const Parameters &parameters) {
-  MaxDepth = parameters.Depth;
-  TimeLimitSeconds = parameters.TimeMs / 1000.0;
   ResizeTransposition(parameters.HashKb);
-  UseTranspositionMoves = parameters.TranspositionMovesFlag != 0;
-  PawnCacheEnabled = parameters.PawnCacheFlag != 0;
-  UseHints = parameters.HintsFlag == 1;
-  UseEndgameHints = parameters.EndgameHintsFlag == 1;
-  RunSearch();
+  RunSearch({parameters.Depth, parameters.TimeMs / 1000.0},
+            {parameters.TranspositionMovesFlag != 0, parameters.PawnCacheFlag != 0, parameters.HintsFlag == 1,
+             parameters.EndgameHintsFlag == 1});
 }
 
 void WriteSearchResult(std::FILE *file, const char *token) {
-  std::fprintf(file, "%s\nOK\n%s\n%.15g\n%d\n%.0f\n%.0f\n%.0f\n%.0f\n", token, Result.BestMoveText.Text.data(),
-               static_cast<double>(Result.BestScore), CompletedDepth, static_cast<double>(Nodes), ElapsedMs,
-               static_cast<double>(Result.BestMoveReason), static_cast<double>(LegalMoveCount));
+  const SearchResult &result = Result();
+  std::fprintf(file, "%s\nOK\n%s\n%d\n%d\n%lld\n%.0f\n%d\n%d\n", token, result.BestMoveText.Text.data(),
+               result.BestScore, result.CompletedDepth, static_cast<long long>(result.Nodes), result.ElapsedMs,
+               static_cast<int>(result.BestMoveReason), result.LegalMoveCount);
   for (const PvEntry &entry : FinalPv) {
     const int from = FromOf(entry.Move);
     const int to = ToOf(entry.Move);
@@ -201,7 +196,8 @@ const char *ReadRequest(std::FILE *file, Request &request) {
 int RunRequest(const char *requestPath) {
   if (std::strlen(requestPath) > kLongestPath)
     return ReportRequestError(requestPath, nullptr, "Request path too long");
-  CancelPath = NameOf(requestPath, ".cancel");
+  const PathBuffer cancelPath = NameOf(requestPath, ".cancel");
+  WatchCancelFile(cancelPath.data());
   std::FILE *file = OpenForReading(requestPath);
   if (file == nullptr)
     return ReportRequestError(requestPath, nullptr, "Cannot open request file");
@@ -214,12 +210,12 @@ int RunRequest(const char *requestPath) {
 
   if (request.HasPosition)
     SearchRequest(request.Limits);
-  if (StopFlag.load() != 0) {
+  if (IsStopRequested()) {
     RemoveFile(requestPath);
-    RemoveFile(CancelPath.data());
+    RemoveFile(cancelPath.data());
     return kSuccess;
   }
-  const bool hasMove = request.HasPosition && Result.BestMove != kNoMove;
+  const bool hasMove = request.HasPosition && Result().BestMove != kNoMove;
   failure = PublishResponse(requestPath,
                             [&](std::FILE *response) { (hasMove ? WriteSearchResult : WriteNoMove)(response, token); });
   return failure == nullptr ? kSuccess : ReportRequestError(requestPath, token, failure);

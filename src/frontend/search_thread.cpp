@@ -1,65 +1,27 @@
 #include "frontend/search_thread.h"
 
-#include <algorithm>
 #include <cstdio>
-#include <cstdlib>
-#include <cstring>
 
-#include "board/number_text.h"
-#include "board/position.h"
+#include "frontend/go_command.h"
+#include "frontend/search_report.h"
 #include "platform/platform.h"
-#include "search/search_driver.h"
 #include "search/stop_control.h"
 
 namespace zorvane {
 
 namespace {
 
-constexpr double kDepthTimeLimitSeconds = 300.0;
-constexpr double kInfiniteTimeLimitSeconds = 86400.0;
-constexpr double kShortestTimeMs = 1.0;
-constexpr double kClockShare = 30.0;     // of the clock for one move
-constexpr double kClockReserveMs = 50.0; // always left on the clock
 constexpr int kInfinitePollMs = 10;
 
 // Main thread alone: from a worker's creation until it is joined.
 bool IsSearchThreadRunning;
 
-// Written before the worker starts.
-bool IsInfiniteSearch;
-
-// The text behind a word of the line, null when the word is not there.
-const char *Behind(const char *line, const char *word) {
-  const char *found = std::strstr(line, word);
-  return found == nullptr ? nullptr : found + std::strlen(word);
-}
-
-// The order of the arguments gives what is no number the shortest time.
-void SetTimeLimitMs(double milliseconds) { TimeLimitSeconds = std::max(kShortestTimeMs, milliseconds) / 1000.0; }
-
-void ReadLimits(const char *line) {
-  MaxDepth = kDepthLimit;
-  TimeLimitSeconds = kDefaultTimeLimitSeconds;
-  IsInfiniteSearch = false;
-  if (const char *depth = Behind(line, " depth ")) {
-    MaxDepth = std::clamp(ParseInteger(depth), 1, kDepthLimit);
-    TimeLimitSeconds = kDepthTimeLimitSeconds;
-  }
-  if (const char *moveTime = Behind(line, " movetime ")) {
-    SetTimeLimitMs(std::strtod(moveTime, nullptr));
-  } else if (const char *clock = Behind(line, SideToMove == kWhite ? " wtime " : " btime ")) {
-    const double left = std::strtod(clock, nullptr);
-    SetTimeLimitMs(std::min(left / kClockShare, left - kClockReserveMs));
-  }
-  if (Behind(line, " infinite") != nullptr) {
-    TimeLimitSeconds = kInfiniteTimeLimitSeconds;
-    IsInfiniteSearch = true;
-  }
-}
+// What the worker does; written before it starts.
+GoCommand Command;
 
 void SearchThreadMain() {
-  RunSearch();
-  while (IsInfiniteSearch && StopFlag.load() == 0)
+  RunSearch(Command.Limits);
+  while (Command.IsInfinite && !IsStopRequested())
     SleepMilliseconds(kInfinitePollMs);
   PrintSearchResult();
 }
@@ -68,9 +30,8 @@ void SearchThreadMain() {
 
 void StartSearchThread(const char *goLine) {
   StopSearchThread();
-  ReadLimits(goLine);
-  StopFlag.exchange(0);
-  RootSide = SideToMove;
+  Command = ReadGoCommand(goLine);
+  ClearStopRequest();
   IsSearchThreadRunning = StartWorker(SearchThreadMain);
   if (!IsSearchThreadRunning)
     std::printf("info string thread creation failed\n");
@@ -79,7 +40,7 @@ void StartSearchThread(const char *goLine) {
 void StopSearchThread() {
   if (!IsSearchThreadRunning)
     return;
-  StopFlag.exchange(1);
+  RequestStop();
   JoinWorker();
   IsSearchThreadRunning = false;
 }

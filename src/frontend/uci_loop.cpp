@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "board/fen.h"
 #include "board/move_text.h"
 #include "board/number_text.h"
 #include "board/position.h"
@@ -30,7 +31,7 @@ void Identify() {
 
 void StartNewGame() {
   StopSearchThread();
-  ResizeTransposition(TranspositionSizeKb);
+  ClearTransposition();
   LoadFen(StartFen);
 }
 

@@ -22,11 +22,6 @@ void PrepareStandardStreams();
 // when the person has dismissed it; elsewhere the texts go to standard error.
 void ShowMessageBox(const char *caption, const char *text);
 
-// Tells why the program cannot run here, in one line on standard error. On
-// Windows it shows a message box as well when the program was started by hand,
-// without arguments and without standard input.
-void ReportStartFailure(const char *text);
-
 // Reading of a steady clock in milliseconds, with a fraction. Its zero point
 // has no meaning.
 double PerformanceMilliseconds();

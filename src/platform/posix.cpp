@@ -44,8 +44,6 @@ void PrepareStandardStreams() {
 
 void ShowMessageBox(const char *caption, const char *text) { std::fprintf(stderr, "%s\n%s\n", caption, text); }
 
-void ReportStartFailure(const char *text) { std::fprintf(stderr, "%s\n", text); }
-
 double PerformanceMilliseconds() {
   timespec now{};
   clock_gettime(CLOCK_MONOTONIC, &now);

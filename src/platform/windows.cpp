@@ -5,7 +5,6 @@
 #include <fcntl.h>
 #include <io.h>
 
-#include <cstdlib>
 #include <cwchar>
 #include <initializer_list>
 
@@ -79,14 +78,6 @@ void PrepareStandardStreams() {
 }
 
 void ShowMessageBox(const char *caption, const char *text) { MessageBoxA(nullptr, text, caption, MB_ICONINFORMATION); }
-
-void ReportStartFailure(const char *text) {
-  std::fprintf(stderr, "%s\n", text);
-  // A host that passes arguments must never be held by a box nobody sees.
-  if (__argc <= 1 && !IsStandardInputUsable()) {
-    ShowMessageBox("Zorvane C-Engine", text);
-  }
-}
 
 double PerformanceMilliseconds() {
   LARGE_INTEGER counter;

@@ -1,9 +1,11 @@
 #include "quiescence/killers_history.h"
 
+#include "board/array.h"
+
 namespace zorvane {
 
-std::array<std::array<PackedMove, 2>, kSearchPlies> KillerTable;
-std::array<std::array<std::int32_t, kPackedMoves>, 2> HistoryTable;
+Array<Array<PackedMove, 2>, kSearchPlies> KillerTable;
+Array<Array<std::int32_t, kPackedMoves>, 2> HistoryTable;
 
 void ClearKillers() {
   for (auto &slots : KillerTable)

@@ -2,37 +2,39 @@
 #pragma once
 
 #include <algorithm>
-#include <array>
+#include <cassert>
 
+#include "board/array.h"
+#include "board/plies.h"
 #include "board/types.h"
 
 namespace zorvane {
 
-constexpr int kSearchPlies = 8; // the root and seven levels
 constexpr int kHistoryLimit = 1000000;
 
 // By ply: slot 0 the newer killer, slot 1 the older, kNoMove when empty.
-extern std::array<std::array<PackedMove, 2>, kSearchPlies> KillerTable;
+extern Array<Array<PackedMove, 2>, kSearchPlies> KillerTable;
 
 // By side and PackedMove: the credits of this search, 0 to kHistoryLimit.
-extern std::array<std::array<std::int32_t, kPackedMoves>, 2> HistoryTable;
+extern Array<Array<std::int32_t, kPackedMoves>, 2> HistoryTable;
 
 void ClearKillers();
 void ClearHistory();
 
 // Makes the move the newest killer of ply; the older of the two drops out.
 inline void StoreKiller(int ply, PackedMove move) {
-  auto &slots = KillerTable[static_cast<unsigned>(ply)];
+  auto &slots = KillerTable[ply];
   if (slots[0] == move)
     return;
   slots[1] = slots[0];
   slots[0] = move;
 }
 
-// Credits the move by the ply alone, 64 points at ply 1 down to 4 at ply 7.
+// Credits a move that cut a node of the ply, 1 to 7: 64 points at ply 1 down to 4 at ply 7, whatever the depth.
 inline void AddHistory(Side side, int ply, PackedMove move) {
-  const int credit = std::max(9 - ply, 1);
-  std::int32_t &score = HistoryTable[side][static_cast<unsigned>(move)];
+  assert(ply >= 1 && ply < kSearchPlies);
+  const int credit = kSearchPlies + 1 - ply;
+  std::int32_t &score = HistoryTable[side][move];
   score = std::min(kHistoryLimit, score + credit * credit);
 }
 

@@ -2,33 +2,19 @@
 
 #include <algorithm>
 
-#include "evaluation/piece_terms.h"
-#include "quiescence/check_targets.h"
+#include "board/array.h"
+#include "board/piece_values.h"
+#include "quiescence/check_squares.h"
+#include "quiescence/killers_history.h"
 
 namespace zorvane {
 
-std::array<MoveList, kSearchPlies> CaptureList;
-std::array<MoveList, kSearchPlies> QuietList;
+Array<LevelMoveList, kSearchPlies> CaptureList;
+Array<LevelMoveList, kSearchPlies> QuietList;
 
 namespace {
 
 constexpr int kVictimFactor = 100;
-constexpr int kQuietCheckScore = -1000000;
-
-// Equal scores keep the order in which they came.
-void InsertSorted(MoveList &list, LevelMove move) {
-  if (list.Count == kLevelMoveLimit)
-    return;
-  int place = list.Count++;
-  for (; place > 0 && list.Moves[static_cast<unsigned>(place - 1)].Score < move.Score; --place)
-    list.Moves[static_cast<unsigned>(place)] = list.Moves[static_cast<unsigned>(place - 1)];
-  list.Moves[static_cast<unsigned>(place)] = move;
-}
-
-void Append(MoveList &list, LevelMove move) {
-  if (list.Count < kLevelMoveLimit)
-    list.Moves[static_cast<unsigned>(list.Count++)] = move;
-}
 
 // Quiet moves whose check cannot be read off the to-square: the queen of a promotion, the rook of castling.
 bool IsCompound(PieceType type, int from, int to) {
@@ -37,14 +23,14 @@ bool IsCompound(PieceType type, int from, int to) {
 
 } // namespace
 
-PackedMove NextQuietMove(MoveList &list, int place) {
-  LevelMove *const first = list.Moves.data() + place;
-  LevelMove *const end = list.Moves.data() + list.Count;
-  LevelMove *best = first;
-  for (LevelMove *move = first + 1; move < end; ++move)
+PackedMove NextQuietMove(LevelMoveList &list, int place) {
+  ScoredMove *const first = list.Moves.begin() + place;
+  ScoredMove *const end = list.Moves.begin() + list.Count;
+  ScoredMove *best = first;
+  for (ScoredMove *move = first + 1; move < end; ++move)
     if (move->Score > best->Score)
       best = move;
-  const LevelMove chosen = *best;
+  const ScoredMove chosen = *best;
   std::move_backward(first, best, best + 1);
   *first = chosen;
   return chosen.Move;
@@ -57,43 +43,42 @@ int MoveOrderScore(int from, int to) {
 }
 
 template <Side Us> void GenerateMoves(int ply) {
-  const auto row = static_cast<unsigned>(ply);
-  MoveList &captures = CaptureList[row];
-  MoveList &quiets = QuietList[row];
-  MoveList checksFound;
+  LevelMoveList &captures = CaptureList[ply];
+  LevelMoveList &quiets = QuietList[ply];
+  LevelMoveList checksFound;
   captures.Count = quiets.Count = checksFound.Count = 0;
 
-  const KingDanger danger = FindKingDanger<Us>();
-  const CheckTargets checks = FindCheckTargets<Us>();
+  const CheckInfo info = FindCheckInfo<Us>();
+  const CheckSquares checks = FindCheckSquares<Us>();
   const Bitboard enemies = Position.BySide[Opposite(Us)];
   MoveSets moves;
-  SetLegalMoves<Us>(moves, danger);
+  GenerateLegalMoves<Us>(moves, info);
   for (Bitboard froms = moves.Froms; froms != 0;) {
-    const int from = PopSquare(froms);
+    const int from = PopLsb(froms);
     const PieceType type = TypeOf(PieceOn(from));
-    const Bitboard checking = CheckingTargets(checks, from, type);
-    for (Bitboard targets = moves.Targets[static_cast<unsigned>(from)]; targets != 0;) {
-      const int to = PopSquare(targets);
+    const Bitboard checking = CheckingTargetsOf(checks, from, type);
+    for (Bitboard targets = moves.Targets[from]; targets != 0;) {
+      const int to = PopLsb(targets);
       const PackedMove move = PackMove(from, to);
       if (Contains(enemies, to) || IsEnPassantMove(from, to))
         InsertSorted(captures, {MoveOrderScore(from, to), move});
       else if (IsCompound(type, from, to) ? MoveGivesCheck(ply, from, to) : Contains(checking, to))
         Append(checksFound, {kQuietCheckScore, move});
       else
-        Append(quiets, {HistoryTable[Us][static_cast<unsigned>(move)], move});
+        Append(quiets, {HistoryTable[Us][move], move});
     }
   }
   for (int i = 0; i < checksFound.Count; ++i)
-    Append(captures, checksFound.Moves[static_cast<unsigned>(i)]);
+    Append(captures, checksFound.Moves[i]);
 }
 
 template void GenerateMoves<kWhite>(int ply);
 template void GenerateMoves<kBlack>(int ply);
 
 bool IsInCaptureList(int ply, PackedMove move) {
-  const MoveList &list = CaptureList[static_cast<unsigned>(ply)];
+  const LevelMoveList &list = CaptureList[ply];
   for (int i = 0; i < list.Count; ++i)
-    if (list.Moves[static_cast<unsigned>(i)].Move == move)
+    if (list.Moves[i].Move == move)
       return true;
   return false;
 }

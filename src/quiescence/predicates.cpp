@@ -1,27 +1,8 @@
 #include "quiescence/predicates.h"
 
+#include <cassert>
+
 namespace zorvane {
-
-namespace {
-
-constexpr Bitboard kLightSquares = 0xAA55AA55AA55AA55U;
-
-} // namespace
-
-bool HasLegalMove(Side side) {
-  return side == kWhite ? HasLegalMoveOf<kWhite>(FindKingDanger<kWhite>())
-                        : HasLegalMoveOf<kBlack>(FindKingDanger<kBlack>());
-}
-
-bool IsDeadMinorEnding() {
-  const Bitboard minors = Pieces(kKnight, kBishop);
-  if (!HasSeveral(minors))
-    return true;
-  const Bitboard white = Pieces(kWhite, kBishop);
-  const Bitboard black = Pieces(kBlack, kBishop);
-  return CountSquares(minors) == 2 && white != 0 && black != 0 &&
-         ((minors & kLightSquares) == minors || (minors & kLightSquares) == 0);
-}
 
 template <Side Us> bool HasPawnForkPush() {
   const Bitboard forks = PawnForkSquares<Us>() & ~Occupied();
@@ -30,36 +11,34 @@ template <Side Us> bool HasPawnForkPush() {
   const Bitboard pawns = Pieces(Us, kPawn) & ~kLastRows;
   const Bitboard single = SinglePushes<Us>(pawns);
   for (Bitboard targets = single & forks; targets != 0;) {
-    const int to = PopSquare(targets);
-    if (IsLegalMove(LowestSquare(Behind<Us>(Bit(to))), to))
+    const int to = PopLsb(targets);
+    if (IsLegalMove(Lsb(ShiftBackward<Us>(Bit(to))), to))
       return true;
   }
   for (Bitboard targets = DoublePushes<Us>(single) & forks; targets != 0;) {
-    const int to = PopSquare(targets);
-    if (IsLegalMove(LowestSquare(Behind<Us>(Behind<Us>(Bit(to)))), to))
+    const int to = PopLsb(targets);
+    if (IsLegalMove(Lsb(ShiftBackward<Us>(ShiftBackward<Us>(Bit(to)))), to))
       return true;
   }
   return false;
 }
 
 template <Side Us> bool HasFreshKnightFork(int ply) {
+  assert(ply >= 1);
   constexpr Side them = Opposite(Us);
-  const BoardState &before = UndoStack[static_cast<unsigned>(ply - 1)];
-  const Bitboard heavy = Pieces(them, kRook, kQueen);
-  const Bitboard officers = heavy | Pieces(them, kKnight, kBishop);
+  const BoardState &before = UndoStack[ply - 1];
+  const Bitboard majors = Pieces(them, kRook, kQueen);
+  const Bitboard pieces = majors | Pieces(them, kKnight, kBishop);
   Bitboard fresh = Pieces(Us, kKnight) & ~(before.BySide[Us] & before.ByType[kKnight - 1]);
   while (fresh != 0) {
-    const int knight = PopSquare(fresh);
-    Bitboard attacked = KnightAttacks[static_cast<unsigned>(knight)] & officers;
+    const int knight = PopLsb(fresh);
     Bitboard forked = 0;
-    if (!HasSeveral(attacked) || (attacked & heavy) == 0)
-      continue;
-    while (attacked != 0) {
-      const int target = PopSquare(attacked);
+    for (Bitboard attacked = KnightAttacks[knight] & pieces; attacked != 0;) {
+      const int target = PopLsb(attacked);
       if (IsLegalMove(knight, target))
         forked |= Bit(target);
     }
-    if (HasSeveral(forked) && (forked & heavy) != 0)
+    if (MoreThanOne(forked) && (forked & majors) != 0)
       return true;
   }
   return false;
@@ -72,7 +51,7 @@ template <Side Us> int FindQueenTarget() {
   const int queen = kSquares - 1 - std::countl_zero(queens);
   Bitboard targets = QueenAttacks(queen, Occupied()) & Pieces(Opposite(Us), kKnight, kBishop);
   while (targets != 0) {
-    const int target = PopSquare(targets);
+    const int target = PopLsb(targets);
     if (IsLegalMove(queen, target))
       return target;
   }

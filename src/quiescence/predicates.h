@@ -1,35 +1,22 @@
-// The questions that the search puts to the board at its nodes. All leave the position as it is.
+// The tactical questions of quiescence. None changes the position.
 #pragma once
 
 #include "board/legal_moves.h"
-#include "board/position_key.h"
 
 namespace zorvane {
 
-constexpr int kFiftyMoveLimit = 100; // half-moves
-
-// True when side has at least one legal move.
-bool HasLegalMove(Side side);
-
-// True when the position, with side to move, has come up twice before in the game and on the line above ply, and side
-// has a legal move.
-inline bool IsRepetitionDraw(Side side, int ply) { return CountRepetitions(side, ply, 2) >= 2 && HasLegalMove(side); }
-
-// True when neither side can mate: no more than one minor piece in all, or a bishop each on squares of one colour.
-bool IsDeadMinorEnding();
-inline bool IsInsufficientMaterial() { return (Pieces(kPawn, kRook) | Pieces(kQueen)) == 0 && IsDeadMinorEnding(); }
-
-// True when side has a legal pawn push onto a square from which the pawn attacks two officers of the enemy.
+// True when side has a legal pawn push onto a square from which the pawn would attack two enemy pieces,
+// pawns and king not counted.
 template <Side Us> bool HasPawnForkPush();
 
 // The squares from which a pawn of Us would attack two enemy rooks, knights, bishops or queens.
 template <Side Us> inline Bitboard PawnForkSquares() {
-  const Bitboard officers = Position.BySide[Opposite(Us)] & ~Pieces(kPawn, kKing);
-  return TowardsA(Behind<Us>(officers)) & TowardsH(Behind<Us>(officers));
+  const Bitboard pieces = Position.BySide[Opposite(Us)] & ~Pieces(kPawn, kKing);
+  return ShiftWest(ShiftBackward<Us>(pieces)) & ShiftEast(ShiftBackward<Us>(pieces));
 }
 
-// True when a knight of Us that has just moved, compared with UndoStack slot ply - 1, can take one of two or more
-// enemy officers, a rook or queen among them.
+// True when a knight of Us that has just moved (it stands elsewhere in the UndoStack slot of ply - 1) can take one of
+// two or more enemy pieces, a rook or queen among them; pawns and king not counted.
 template <Side Us> bool HasFreshKnightFork(int ply);
 
 // The square of the first enemy knight or bishop, in scan order, that the last queen of Us in scan order can take;

@@ -1,18 +1,23 @@
 #include "quiescence/quiescence_search.h"
 
 #include <algorithm>
+#include <cassert>
 
+#include "board/draw_rules.h"
+#include "board/plies.h"
+#include "evaluation/evaluate.h"
 #include "quiescence/predicates.h"
 #include "quiescence/tactical_moves.h"
-#include "search/search_driver.h"
+#include "search/search_state.h"
 #include "search/stop_control.h"
+#include "search/transposition_table.h"
 
 namespace zorvane {
 
 namespace {
 
-constexpr int kEntryDepth = 4;
-constexpr int kEntryCredit = 3;
+constexpr int kEntryDepth = 4;  // remaining depth at entry from a level
+constexpr int kEntryCredit = 3; // quiet tactical moves that a line may hold
 
 // Each rule holds at plies below its limit; every line ends at kLastPly.
 constexpr int kBishopMoveLimit = 7;
@@ -20,21 +25,26 @@ constexpr int kThreatLimit = 8;
 constexpr int kForkPushLimit = 9;
 constexpr int kFollowUpLimit = 9;
 constexpr int kCheckLimit = 10;
-constexpr int kLastPly = 11;
+
+constexpr int kFirstThreatPly = 2;   // a fresh knight fork needs a move before it
+constexpr int kThreatDepth = 2;      // and threats this much depth left
+constexpr int kTacticsCredit = 2;    // fork threats and bishop moves need this much credit left
+constexpr int kFollowUpDistance = 2; // from the horizon to the next node of the same side
 
 constexpr int kQuietCheckNodeBudget = 32; // nodes behind quiet moves before new quiet checks end
-constexpr int kQuietLineNodeCap = 64;     // nodes behind quiet moves before depth is cut to 1
+constexpr int kQuietLineNodeCap = 64;     // nodes behind quiet moves before depth is cut to kCappedDepth
 constexpr int kPlainLineNodeCap = 64;     // the same on plain lines
-constexpr int kHorizonExtraChecks = 2;
-constexpr int kFollowUpExtraChecks = 1;
+constexpr int kCappedDepth = 1;
+constexpr int kHorizonExtraChecks = 2;  // quiet checks over the budget at the horizon node
+constexpr int kFollowUpExtraChecks = 1; // and at the same side's next node
 constexpr int kExtraFloorPlies = 2;
 constexpr int kBishopMovesPerNode = 2;
 
 // Why a node has no stand-pat although it is not in check.
 enum ForcedReply {
   kNotForced,
-  kForkOnBoard,   // the parent's fork or bishop move, or a fresh enemy knight fork
-  kPawnForkThreat // also costs the children a quiet move
+  kForkOnBoard,   // the parent's fork push or bishop move, or a fresh enemy knight fork
+  kPawnForkThreat // an enemy pawn threatens to fork; a reply to this costs the line one quiet credit
 };
 
 // One set of counters for the tree below one entry.
@@ -42,8 +52,8 @@ int QuietLineDepth; // quiet tactical moves on the current line
 int QuietLineNodes; // nodes visited behind one
 int PlainLineNodes; // the others
 
-// What a node is asked, and the locals that its passes share.
-struct Node {
+// What a node is asked, and below that the locals that its passes share.
+struct QuiescenceNode {
   int Depth; // remaining capture depth, may be negative
   int Ply;
   int Alpha;
@@ -51,47 +61,54 @@ struct Node {
   int QuietCredit; // quiet tactical moves that the line may still hold
   ForcedReply Forced;
   ScoreRange Range; // what the callers can tell apart of the node's score
-  int FloorPlies;   // plies for which the depth does not fall below 1
+  int FloorPlies;   // plies, this one included, at which the depth does not fall below 1
 
   int Best;
-  int ExtraChecks; // quiet checks allowed beyond the budget
-  int BishopMoves; // bishop manoeuvres that had their turn
-  int QueenTarget; // what they aim at, kNoSquare for none
+  int ExtraChecks;  // quiet checks that may be played over the budget
+  int BishopMoves;  // bishop manoeuvres that had their turn
+  int BishopTarget; // what they aim at, kNoSquare for none
 };
 
-bool MayPlayQuietCheck(const Node &node) { return QuietLineNodes < kQuietCheckNodeBudget || node.ExtraChecks > 0; }
+// The first node of a quiescence tree, and those that look like it: at CurrentDepth with all their credit.
+bool IsHorizon(const QuiescenceNode &node) { return node.QuietCredit == kEntryCredit && node.Ply == CurrentDepth; }
+
+bool MayPlayQuietCheck(const QuiescenceNode &node) {
+  return QuietLineNodes < kQuietCheckNodeBudget || node.ExtraChecks > 0;
+}
 
 enum MoveKind { kOrdinaryMove, kQuietCheck, kForkPush, kBishopMove };
 
-// What the moves of a pass are tried as.
-enum class Pass { kOrdinary, kCaptureZone, kQuietChecks };
+// The stages of a node: one ordinary stage when it must reply, else captures (or recaptures, also ordinary) and then
+// quiet checks.
+enum class Stage { kOrdinary, kCaptureZone, kQuietChecks };
 
-// The kind of a move of the capture zone.
-MoveKind CaptureZoneKind(const Node &node, int from, int to) {
+// The kind of a move from the capture zone.
+MoveKind CaptureZoneKind(const QuiescenceNode &node, int from, int to) {
   if (PieceOn(to) != kNoPiece)
     return kOrdinaryMove;
   const PieceType type = TypeOf(PieceOn(from));
-  if (type == kBishop && node.QueenTarget != kNoSquare)
+  if (type == kBishop && node.BishopTarget != kNoSquare)
     return kBishopMove;
   const bool isPush = type == kPawn && FileOf(from) == FileOf(to);
   return isPush && !Contains(kLastRows, to) ? kForkPush : kOrdinaryMove;
 }
 
-template <Side Us> int Search(Node &node);
+template <Side Us> int Search(QuiescenceNode &node);
 
 // A child's score changes nothing where the best one so far is as good for the mover, nor where the node's own callers
-// cannot tell it from others: there is no best line here that it could change.
-template <Side Us> ScoreRange ChildRange(const Node &node) {
+// cannot tell it from others: unlike at a level there is no best line that it could change.
+template <Side Us> ScoreRange ChildRange(const QuiescenceNode &node) {
   if constexpr (Us == kWhite)
     return {std::max(node.Range.Floor, node.Best), node.Range.Ceiling};
   else
     return {node.Range.Floor, std::min(node.Range.Ceiling, node.Best)};
 }
 
-// Plays one move and returns the child's score.
-template <Side Us> int SearchMove(Node &node, MoveKind kind, int from, int to) {
+// Makes one move, searches the child with the depth, credit and floor that the kind of move leaves it, and takes the
+// move back. Returns the child's score.
+template <Side Us> int SearchMove(QuiescenceNode &node, MoveKind kind, int from, int to) {
   const int decayed = node.FloorPlies > 1 ? node.FloorPlies - 1 : 0;
-  Node child;
+  QuiescenceNode child;
   child.Ply = node.Ply + 1;
   child.Alpha = node.Alpha;
   child.Beta = node.Beta;
@@ -119,7 +136,7 @@ template <Side Us> int SearchMove(Node &node, MoveKind kind, int from, int to) {
 }
 
 // Takes in the score of a child, or of standing pat; true when the node is cut.
-template <Side Us> bool Improve(Node &node, int score) {
+template <Side Us> bool Improve(QuiescenceNode &node, int score) {
   if constexpr (Us == kWhite) {
     node.Best = std::max(node.Best, score);
     node.Alpha = std::max(node.Alpha, node.Best);
@@ -130,18 +147,18 @@ template <Side Us> bool Improve(Node &node, int score) {
   return node.Alpha >= node.Beta;
 }
 
-// Tries the moves of a pass in scan order; true when the node is cut or the search stopped.
-template <Side Us, Pass Tried> bool TryMoves(Node &node, const MoveSets &moves) {
+// Tries the moves of a stage in scan order; true when the node is cut or the search stopped.
+template <Side Us, Stage Tried> bool TryMoves(QuiescenceNode &node, const MoveSets &moves) {
   if (moves.Froms == 0)
     return false;
   SaveState(node.Ply);
   for (Bitboard froms = moves.Froms; froms != 0;) {
-    const int from = PopSquare(froms);
-    for (Bitboard targets = moves.Targets[static_cast<unsigned>(from)]; targets != 0;) {
-      const int to = PopSquare(targets);
-      const MoveKind kind = Tried == Pass::kOrdinary      ? kOrdinaryMove
-                            : Tried == Pass::kQuietChecks ? kQuietCheck
-                                                          : CaptureZoneKind(node, from, to);
+    const int from = PopLsb(froms);
+    for (Bitboard targets = moves.Targets[from]; targets != 0;) {
+      const int to = PopLsb(targets);
+      const MoveKind kind = Tried == Stage::kOrdinary      ? kOrdinaryMove
+                            : Tried == Stage::kQuietChecks ? kQuietCheck
+                                                           : CaptureZoneKind(node, from, to);
       if (kind == kQuietCheck && !MayPlayQuietCheck(node))
         return false;
       if (kind == kBishopMove && node.BishopMoves++ >= kBishopMovesPerNode)
@@ -154,117 +171,140 @@ template <Side Us, Pass Tried> bool TryMoves(Node &node, const MoveSets &moves) 
   return false;
 }
 
-// Threats from the side that has just moved: with one, the node must answer and has no stand-pat.
-template <Side Us> ForcedReply ForcedReplyOf(const Node &node, int remaining) {
+// Threats from the side that has just moved: with one, the node must reply and has no stand-pat.
+template <Side Us> ForcedReply FindForcedReply(const QuiescenceNode &node, int remaining) {
   constexpr Side them = Opposite(Us);
-  // One branch for all three, as none of them is foreseeable.
-  if ((node.Forced != kNotForced) | (node.Ply >= kThreatLimit) | (remaining < 2))
+  // One branch for all three, as none of them can be predicted.
+  if ((node.Forced != kNotForced) | (node.Ply >= kThreatLimit) | (remaining < kThreatDepth))
     return node.Forced;
-  if (node.QuietCredit >= 2 && QuietLineNodes < kQuietCheckNodeBudget && HasPawnForkPush<them>())
+  if (node.QuietCredit >= kTacticsCredit && QuietLineNodes < kQuietCheckNodeBudget && HasPawnForkPush<them>())
     return kPawnForkThreat;
-  if (node.Ply >= 2 && node.QuietCredit == kEntryCredit && node.Ply == CurrentDepth &&
-      HasFreshKnightFork<them>(node.Ply))
+  if (node.Ply >= kFirstThreatPly && IsHorizon(node) && HasFreshKnightFork<them>(node.Ply))
     return kForkOnBoard;
   return kNotForced;
 }
 
-// Quiet checks that a node may play after the budget is used up: the horizon node, and the own move two plies later.
-int ExtraChecksOf(const Node &node) {
-  if (node.QuietCredit == kEntryCredit && node.Ply == CurrentDepth)
+// Quiet checks that a node may play over the budget: at the horizon, and at the same side's next node behind a quiet
+// move.
+int AllowExtraChecks(const QuiescenceNode &node) {
+  if (IsHorizon(node))
     return kHorizonExtraChecks;
   const bool followsUp = node.QuietCredit == kEntryCredit - 1 && QuietLineDepth > 0 && node.Ply < kFollowUpLimit &&
-                         node.Ply == CurrentDepth + 2 && QuietLineNodes >= kQuietCheckNodeBudget;
+                         node.Ply == CurrentDepth + kFollowUpDistance && QuietLineNodes >= kQuietCheckNodeBudget;
   return followsUp ? kFollowUpExtraChecks : 0;
 }
 
-template <Side Us> int QueenTargetOf(const Node &node, int remaining) {
-  const bool wanted = node.QuietCredit >= 2 && node.Ply < kBishopMoveLimit && (remaining >= 2 || node.FloorPlies > 0) &&
-                      QuietLineDepth > 0 && node.Ply == CurrentDepth + 2;
+// The piece that the bishop manoeuvre may aim at, kNoSquare for none.
+template <Side Us> int ChooseBishopTarget(const QuiescenceNode &node, int remaining) {
+  const bool wanted = node.QuietCredit >= kTacticsCredit && node.Ply < kBishopMoveLimit &&
+                      (remaining >= kThreatDepth || node.FloorPlies > 0) && QuietLineDepth > 0 &&
+                      node.Ply == CurrentDepth + kFollowUpDistance;
   return wanted ? FindQueenTarget<Us>() : kNoSquare;
 }
 
-// Counts the node and returns the depth that the node counts leave to it.
-int CountNode(int remaining) {
+// Counts the node, and returns the depth that the node caps leave to it.
+int CountTowardsCaps(int remaining) {
   int &counter = QuietLineDepth > 0 ? QuietLineNodes : PlainLineNodes;
   const int cap = QuietLineDepth > 0 ? kQuietLineNodeCap : kPlainLineNodeCap;
   const bool capped = counter >= cap;
   ++counter;
-  ++Nodes;
-  return capped ? std::min(remaining, 1) : remaining;
+  CountNode();
+  return capped ? std::min(remaining, kCappedDepth) : remaining;
 }
 
-// The first pass of a node that need not answer anything; true when the node is cut or the search stopped.
-template <Side Us> bool TryCaptures(Node &node, MoveSets &moves, const KingDanger &danger) {
+// The evaluation, as exact as the node's callers can tell.
+int StaticScore(const QuiescenceNode &node) {
+  DisplaceOtherPosition();
+  return Evaluate(node.Range);
+}
+
+// The first stage of a node that need not reply: the capture zone while there is depth, else the recapture zone. True
+// when the node is cut or the search stopped.
+template <Side Us> bool TryCaptures(QuiescenceNode &node, MoveSets &moves, const CheckInfo &info) {
   if (node.Depth > 0) {
-    SetCaptureZoneMoves<Us>(moves, danger, node.QuietCredit > 0 && node.Ply < kForkPushLimit);
-    if (node.QueenTarget != kNoSquare)
-      AddBishopManoeuvres<Us>(moves, danger, node.QueenTarget, node.Ply);
-    return TryMoves<Us, Pass::kCaptureZone>(node, moves);
+    GenerateCaptureZone<Us>(moves, info, node.QuietCredit > 0 && node.Ply < kForkPushLimit);
+    if (node.BishopTarget != kNoSquare)
+      AddBishopManoeuvres<Us>(moves, info, node.BishopTarget, node.Ply);
+    return TryMoves<Us, Stage::kCaptureZone>(node, moves);
   }
-  const Bitboard takenByThem = UndoStack[static_cast<unsigned>(node.Ply - 1)].BySide[Us];
-  SetRecaptures<Us>(moves, danger, takenByThem, node.Ply < kCheckLimit);
-  return TryMoves<Us, Pass::kOrdinary>(node, moves);
+  // Squares of our pieces before the enemy's move: where one of them stood and can be taken back on.
+  const Bitboard takenByThem = UndoStack[node.Ply - 1].BySide[Us];
+  GenerateRecaptures<Us>(moves, info, takenByThem, node.Ply < kCheckLimit);
+  return TryMoves<Us, Stage::kOrdinary>(node, moves);
 }
 
-// Its second pass.
-template <Side Us> void TryQuietChecks(Node &node, MoveSets &moves, const KingDanger &danger) {
+// The second stage of such a node.
+template <Side Us> void TryQuietChecks(QuiescenceNode &node, MoveSets &moves, const CheckInfo &info) {
   if (node.QuietCredit <= 0 || node.Ply >= kCheckLimit || !MayPlayQuietCheck(node))
     return;
-  SetQuietChecks<Us>(moves, danger, node.Depth > 0, node.Ply);
-  TryMoves<Us, Pass::kQuietChecks>(node, moves);
+  GenerateQuietChecks<Us>(moves, info, node.Depth > 0, node.Ply);
+  TryMoves<Us, Stage::kQuietChecks>(node, moves);
 }
 
-template <Side Us> int Search(Node &node) {
+template <Side Us> int Search(QuiescenceNode &node) {
+  assert(node.Ply >= 1 && node.Ply <= kLastPly && node.Alpha < node.Beta && PositionIsOk());
+
+  // 1. Stops and repetitions.
   if (PollStop() || IsRepetitionDraw(Us, node.Ply))
     return 0;
   const int remaining = std::min(kLastPly - node.Ply, node.Depth);
-  const KingDanger danger = FindKingDanger<Us>();
-  const bool inCheck = danger.Checkers != 0;
+  const CheckInfo info = FindCheckInfo<Us>();
+  const bool inCheck = info.Checkers != 0;
+
+  // 2. Threats that must be met, and what a node without one is allowed. They come before the node is counted, and so
+  // see the counters as the nodes before it left them.
   node.ExtraChecks = 0;
   node.BishopMoves = 0;
-  node.QueenTarget = kNoSquare;
+  node.BishopTarget = kNoSquare;
   if (!inCheck) {
-    node.Forced = ForcedReplyOf<Us>(node, remaining);
+    node.Forced = FindForcedReply<Us>(node, remaining);
     if (node.Forced == kNotForced) {
-      node.ExtraChecks = ExtraChecksOf(node);
-      node.QueenTarget = QueenTargetOf<Us>(node, remaining);
+      node.ExtraChecks = AllowExtraChecks(node);
+      node.BishopTarget = ChooseBishopTarget<Us>(node, remaining);
     }
   }
+
+  // 3. Mate and stalemate go before every other end of the game, and such nodes are not counted.
   MoveSets moves;
   if (inCheck) {
-    SetLegalMoves<Us>(moves, danger);
+    GenerateLegalMoves<Us>(moves, info);
     if (moves.Froms == 0)
       return MatedScore(Us, node.Ply);
-  } else if (!HasLegalMoveOf<Us>(danger)) {
+  } else if (!HasLegalMoveOf<Us>(info)) {
     return 0;
   }
-  node.Depth = CountNode(remaining);
-  if (Position.HalfmoveClock >= kFiftyMoveLimit || IsInsufficientMaterial())
+
+  // 4. Counts and other draws.
+  node.Depth = CountTowardsCaps(remaining);
+  if (IsMaterialOrClockDraw())
     return 0;
 
+  // 5. The hard end of every line, in check or not; before it, checks and floors leave at least one ply of depth.
   if (node.Ply >= kLastPly)
-    return EvaluateWithin(node.Range);
+    return StaticScore(node);
   node.Depth = std::max(node.Depth, node.FloorPlies > 0 || inCheck ? 1 : node.Depth);
   node.Best = Us == kWhite ? -kInfinity : kInfinity;
+
+  // 6. A node that must reply tries all legal moves and has no stand-pat.
   if (inCheck || node.Forced != kNotForced) {
     if (!inCheck)
-      SetLegalMoves<Us>(moves, danger);
-    TryMoves<Us, Pass::kOrdinary>(node, moves);
+      GenerateLegalMoves<Us>(moves, info);
+    TryMoves<Us, Stage::kOrdinary>(node, moves);
     return node.Best;
   }
-  const bool cut = Improve<Us>(node, EvaluateWithin(node.Range));
-  if (!cut && !TryCaptures<Us>(node, moves, danger))
-    TryQuietChecks<Us>(node, moves, danger);
+
+  // 7. Any other stands pat, then tries captures, then quiet checks.
+  const bool cut = Improve<Us>(node, StaticScore(node));
+  if (!cut && !TryCaptures<Us>(node, moves, info))
+    TryQuietChecks<Us>(node, moves, info);
   return node.Best;
 }
 
 } // namespace
 
-void ResetQuiescenceCounters() { QuietLineDepth = QuietLineNodes = PlainLineNodes = 0; }
-
 template <Side Us> int EnterQuiescence(int ply, int alpha, int beta, ScoreRange range) {
-  ResetQuiescenceCounters();
-  Node node;
+  QuietLineDepth = QuietLineNodes = PlainLineNodes = 0;
+  QuiescenceNode node;
   node.Depth = kEntryDepth;
   node.Ply = ply;
   node.Alpha = alpha;

@@ -1,6 +1,6 @@
 #include "quiescence/tactical_moves.h"
 
-#include "quiescence/check_targets.h"
+#include "quiescence/check_squares.h"
 #include "quiescence/predicates.h"
 
 namespace zorvane {
@@ -11,123 +11,122 @@ template <Side Us> Bitboard Victims() { return Position.BySide[Opposite(Us)] & ~
 
 // Captures on the squares given, en passant apart, and pushes onto others. Inlined, as the calls know half of it.
 template <Side Us>
-[[gnu::always_inline]] inline void SetCaptures(MoveSets &moves, const KingDanger &danger, Bitboard victims,
-                                               Bitboard pushSquares) {
+[[gnu::always_inline]] inline void GenerateCapturesAndPushes(MoveSets &moves, const CheckInfo &info, Bitboard victims,
+                                                             Bitboard pushSquares) {
   moves.Froms = 0;
-  SetPieceMoves<Us>(moves, SameForAll(victims));
-  SetPawnMoves<Us>(moves, victims, pushSquares);
-  HoldPinned<Us>(moves, danger);
-  SetMoves(moves, danger.King, KingSteps<Us>(danger.King, victims));
+  GeneratePieceMoves<Us>(moves, SameForAll(victims));
+  GeneratePawnMoves<Us>(moves, victims, pushSquares);
+  RestrictPinned<Us>(moves, info);
+  SetTargets(moves, info.King, KingSteps<Us>(info.King, victims));
 }
 
 // Leaves of the captures those on the squares given and, of the others, those that give check.
-void KeepRecapturesAndChecks(MoveSets &moves, Bitboard retaken, const CheckTargets &checks) {
+void KeepRecapturesAndChecks(MoveSets &moves, Bitboard retaken, const CheckSquares &checks) {
   for (Bitboard froms = moves.Froms; froms != 0;) {
-    const int from = PopSquare(froms);
-    KeepMoves(moves, from, retaken | CheckingTargets(checks, from, TypeOf(PieceOn(from))));
+    const int from = PopLsb(froms);
+    RestrictTargets(moves, from, retaken | CheckingTargetsOf(checks, from, TypeOf(PieceOn(from))));
   }
 }
 
-// Adds the moves to squares of wanted by which a piece uncovers a check; pawns have a wish of their own.
+// Adds the moves by which a piece uncovers a check: to squares of wanted, or for pawns to those of wantedOfPawns.
 template <Side Us>
-void AddDiscoveries(MoveSets &moves, const KingDanger &danger, const CheckTargets &checks, Bitboard wanted,
+void AddDiscoveries(MoveSets &moves, const CheckInfo &info, const CheckSquares &checks, Bitboard wanted,
                     Bitboard wantedOfPawns) {
   if (checks.Discoverers == 0)
     return;
   MoveSets all;
-  SetLegalMoves<Us>(all, danger);
+  GenerateLegalMoves<Us>(all, info);
   for (Bitboard men = checks.Discoverers & all.Froms; men != 0;) {
-    const int from = PopSquare(men);
+    const int from = PopLsb(men);
     const PieceType type = TypeOf(PieceOn(from));
-    Bitboard targets = all.Targets[static_cast<unsigned>(from)] & (type == kPawn ? wantedOfPawns : wanted);
+    Bitboard targets = all.Targets[from] & (type == kPawn ? wantedOfPawns : wanted);
     if (type == kKing) // castling has rules of its own
-      targets &= KingAttacks[static_cast<unsigned>(from)];
-    AddMoves(moves, from, targets & ~Line[static_cast<unsigned>(checks.EnemyKing)][static_cast<unsigned>(from)]);
+      targets &= KingAttacks[from];
+    AddTargets(moves, from, targets & ~LineThrough[checks.EnemyKing][from]);
   }
 }
 
 // En-passant captures that give check, tried when the pawn gives it or uncovers it.
-template <Side Us> void AddEnPassantChecks(MoveSets &moves, const CheckTargets &checks, int level) {
+template <Side Us> void AddEnPassantChecks(MoveSets &moves, const CheckSquares &checks, int ply) {
   const int to = Position.EnPassantSquare;
   for (Bitboard pawns = EnPassantCapturers<Us>(); pawns != 0;) {
-    const int from = PopSquare(pawns);
+    const int from = PopLsb(pawns);
     const bool mayCheck = Contains(checks.From[kPawn], to) || Contains(checks.Discoverers, from);
-    if (mayCheck && MoveGivesCheck(level, from, to))
-      AddMoves(moves, from, Bit(to));
+    if (mayCheck && MoveGivesCheck(ply, from, to))
+      AddTargets(moves, from, Bit(to));
   }
 }
 
 // Castling that gives check, tried when the king uncovers a line; a check by the rook alone is not looked for.
-template <Side Us>
-void AddCastlingChecks(MoveSets &moves, const KingDanger &danger, const CheckTargets &checks, int level) {
-  if (!Contains(checks.Discoverers, danger.King))
+template <Side Us> void AddCastlingChecks(MoveSets &moves, const CheckInfo &info, const CheckSquares &checks, int ply) {
+  if (!Contains(checks.Discoverers, info.King))
     return;
-  const Bitboard steps = KingSteps<Us>(danger.King, kAllSquares);
-  for (Bitboard targets = CastlingTargets<Us>(danger, steps); targets != 0;) {
-    const int to = PopSquare(targets);
-    if (MoveGivesCheck(level, danger.King, to))
-      AddMoves(moves, danger.King, Bit(to));
+  const Bitboard steps = KingSteps<Us>(info.King, kAllSquares);
+  for (Bitboard targets = CastlingTargets<Us>(info, steps); targets != 0;) {
+    const int to = PopLsb(targets);
+    if (MoveGivesCheck(ply, info.King, to))
+      AddTargets(moves, info.King, Bit(to));
   }
 }
 
 } // namespace
 
-template <Side Us> void SetCaptureZoneMoves(MoveSets &moves, const KingDanger &danger, bool withForkPushes) {
-  SetCaptures<Us>(moves, danger, Victims<Us>(), kLastRows | (withForkPushes ? PawnForkSquares<Us>() : 0));
+template <Side Us> void GenerateCaptureZone(MoveSets &moves, const CheckInfo &info, bool withForkPushes) {
+  GenerateCapturesAndPushes<Us>(moves, info, Victims<Us>(), kLastRows | (withForkPushes ? PawnForkSquares<Us>() : 0));
   for (Bitboard pawns = EnPassantCapturers<Us>(); pawns != 0;)
-    AddMoves(moves, PopSquare(pawns), EnPassantSet());
+    AddTargets(moves, PopLsb(pawns), EnPassantSet());
 }
 
-template <Side Us> void AddBishopManoeuvres(MoveSets &moves, const KingDanger &danger, int target, int level) {
+template <Side Us> void AddBishopManoeuvres(MoveSets &moves, const CheckInfo &info, int target, int ply) {
   const Bitboard diagonals = BishopAttacks(target, 0) & ~Occupied();
-  const Bitboard pinned = PinnedMen<Us>(danger);
-  SaveState(level);
+  const Bitboard pinned = PinnedPieces<Us>(info);
+  SaveState(ply);
   for (Bitboard bishops = Pieces(Us, kBishop); bishops != 0;) {
-    const int from = PopSquare(bishops);
+    const int from = PopLsb(bishops);
     const Bitboard reach = BishopAttacks(from, Occupied());
     if (Contains(reach, target))
       continue;
-    for (Bitboard targets = reach & diagonals & PinLine(danger, pinned, from); targets != 0;) {
-      const int to = PopSquare(targets);
+    for (Bitboard targets = reach & diagonals & PinLine(info, pinned, from); targets != 0;) {
+      const int to = PopLsb(targets);
       MakeMoveOf<Us>(from, to);
-      const bool counts = PieceAttacksSquare(to, target) && IsLegalMove(to, target);
-      RestoreState(level);
+      const bool counts = IsLegalMove(to, target);
+      RestoreState(ply);
       if (counts)
-        AddMoves(moves, from, Bit(to));
+        AddTargets(moves, from, Bit(to));
     }
   }
 }
 
-template <Side Us> void SetRecaptures(MoveSets &moves, const KingDanger &danger, Bitboard retaken, bool withChecks) {
+template <Side Us> void GenerateRecaptures(MoveSets &moves, const CheckInfo &info, Bitboard retaken, bool withChecks) {
   const Bitboard victims = Victims<Us>();
   retaken &= victims;
-  SetCaptures<Us>(moves, danger, withChecks ? victims : retaken, 0);
+  GenerateCapturesAndPushes<Us>(moves, info, withChecks ? victims : retaken, 0);
   // Often nothing can be taken at all, and the checks need not be known.
   if (withChecks && moves.Froms != 0)
-    KeepRecapturesAndChecks(moves, retaken, FindCheckTargets<Us>());
+    KeepRecapturesAndChecks(moves, retaken, FindCheckSquares<Us>());
 }
 
-template <Side Us> void SetQuietChecks(MoveSets &moves, const KingDanger &danger, bool behindCaptureZone, int level) {
+template <Side Us> void GenerateQuietChecks(MoveSets &moves, const CheckInfo &info, bool behindCaptureZone, int ply) {
   const Bitboard empty = ~Occupied();
-  const CheckTargets checks = FindCheckTargets<Us>();
+  const CheckSquares checks = FindCheckSquares<Us>();
   const auto from = [&](PieceType type) { return empty & checks.From[type]; };
   moves.Froms = 0;
-  SetPieceMoves<Us>(moves, {from(kRook), from(kKnight), from(kBishop), from(kQueen)});
-  SetPawnMoves<Us>(moves, 0, from(kPawn));
-  HoldPinned<Us>(moves, danger);
-  AddDiscoveries<Us>(moves, danger, checks, empty, empty & ~EnPassantSet() & ~(behindCaptureZone ? kLastRows : 0));
-  AddCastlingChecks<Us>(moves, danger, checks, level);
+  GeneratePieceMoves<Us>(moves, {from(kRook), from(kKnight), from(kBishop), from(kQueen)});
+  GeneratePawnMoves<Us>(moves, 0, from(kPawn));
+  RestrictPinned<Us>(moves, info);
+  AddDiscoveries<Us>(moves, info, checks, empty, empty & ~EnPassantSet() & ~(behindCaptureZone ? kLastRows : 0));
+  AddCastlingChecks<Us>(moves, info, checks, ply);
   if (!behindCaptureZone)
-    AddEnPassantChecks<Us>(moves, checks, level);
+    AddEnPassantChecks<Us>(moves, checks, ply);
 }
 
-template void SetCaptureZoneMoves<kWhite>(MoveSets &moves, const KingDanger &danger, bool withForkPushes);
-template void SetCaptureZoneMoves<kBlack>(MoveSets &moves, const KingDanger &danger, bool withForkPushes);
-template void AddBishopManoeuvres<kWhite>(MoveSets &moves, const KingDanger &danger, int target, int level);
-template void AddBishopManoeuvres<kBlack>(MoveSets &moves, const KingDanger &danger, int target, int level);
-template void SetRecaptures<kWhite>(MoveSets &moves, const KingDanger &danger, Bitboard retaken, bool withChecks);
-template void SetRecaptures<kBlack>(MoveSets &moves, const KingDanger &danger, Bitboard retaken, bool withChecks);
-template void SetQuietChecks<kWhite>(MoveSets &moves, const KingDanger &danger, bool behindCaptureZone, int level);
-template void SetQuietChecks<kBlack>(MoveSets &moves, const KingDanger &danger, bool behindCaptureZone, int level);
+template void GenerateCaptureZone<kWhite>(MoveSets &moves, const CheckInfo &info, bool withForkPushes);
+template void GenerateCaptureZone<kBlack>(MoveSets &moves, const CheckInfo &info, bool withForkPushes);
+template void AddBishopManoeuvres<kWhite>(MoveSets &moves, const CheckInfo &info, int target, int ply);
+template void AddBishopManoeuvres<kBlack>(MoveSets &moves, const CheckInfo &info, int target, int ply);
+template void GenerateRecaptures<kWhite>(MoveSets &moves, const CheckInfo &info, Bitboard retaken, bool withChecks);
+template void GenerateRecaptures<kBlack>(MoveSets &moves, const CheckInfo &info, Bitboard retaken, bool withChecks);
+template void GenerateQuietChecks<kWhite>(MoveSets &moves, const CheckInfo &info, bool behindCaptureZone, int ply);
+template void GenerateQuietChecks<kBlack>(MoveSets &moves, const CheckInfo &info, bool behindCaptureZone, int ply);
 
 } // namespace zorvane

@@ -1,51 +1,29 @@
 // One pass over the moves of the root position.
 #pragma once
 
-#include <array>
-
 #include "board/types.h"
+#include "search/hints.h"
 
 namespace zorvane {
 
-constexpr int kRootMoveLimit = 257;
-constexpr int kHintLimit = 256;
-
-// A searched root move and its score, from RootSide's view.
-struct RootResult {
-  PackedMove Move;
-  int Score;
+// Why a root move is the best.
+enum class MoveReason {
+  kScore = 0,
+  kOpeningHint = 1,       // among equal scores, by a greater bonus
+  kBetterOpeningHint = 2, // and its bonus less its penalty was greater as well
+  kEndgameHint = 3
 };
 
-struct RootResultList {
-  int Count;
-  std::array<RootResult, kRootMoveLimit> Moves;
+// The best root move of a pass.
+struct RootChoice {
+  PackedMove Move; // kNoMove when none was searched
+  int Score;       // centipawns from White's view
+  MoveReason Reason;
 };
 
-// A host's wish for a root move: decides between moves of equal score.
-struct Hint {
-  std::array<char, 8> Text;
-  double Bonus;
-  double Penalty;
-};
-
-struct HintCollection {
-  int Count;
-  std::array<Hint, kHintLimit> Hints;
-};
-
-extern RootResultList RootResults;         // in the order of search
-extern RootResultList PreviousRootResults; // of the last finished iteration; written by RunSearch
-
-// Written by the request reader alone.
-extern HintCollection HintList;
-extern bool UseHints;
-extern bool UseEndgameHints;
-
-// Searches all root moves at CurrentDepth and leaves the best in Result, the line in row 0 of the best-line table and
-// all scores in RootResults. Cut off by a stop it leaves a void pass, with SearchAborted set.
-void SearchRoot();
-
-// The number of legal moves of side.
-int CountLegalMoves(Side side);
+// Searches the moves of the root for SideToMove at CurrentDepth, firstMove before all others; kNoMove leaves the first
+// of all to the table. True when the pass was finished: best is its best move, the line stands in row 0 of the
+// best-line table and the scores of all moves in the root results. False when it was stopped: best is the best so far.
+bool SearchRoot(PackedMove firstMove, HintMode hints, RootChoice &best);
 
 } // namespace zorvane

@@ -1,161 +1,112 @@
 #include "search/search_driver.h"
 
-#include <algorithm>
-#include <array>
-#include <cstdio>
+#include <cassert>
 
 #include "board/legal_moves.h"
 #include "board/move_text.h"
 #include "evaluation/evaluate.h"
+#include "evaluation/pawn_structure.h"
 #include "quiescence/killers_history.h"
-#include "quiescence/quiescence_search.h"
 #include "search/best_line.h"
-#include "search/root_search.h"
+#include "search/root_moves.h"
+#include "search/search_state.h"
 #include "search/stop_control.h"
+#include "search/transposition_table.h"
 
 namespace zorvane {
 
-int MaxDepth;
-double TimeLimitSeconds;
-int CurrentDepth;
-std::int64_t Nodes;
-PackedMove PreviousBestMove;
-SearchResult Result;
-int CompletedDepth;
-double ElapsedMs;
-int LegalMoveCount;
-SearchResult FallbackBest;
-bool HaveFallbackBest;
-
 namespace {
 
-// The first legal move in scan order with the static evaluation: the answer when nothing was searched. False when
-// there is no legal move.
-template <Side Us> bool FindDefaultMove(SearchResult &found) {
-  MoveSets moves;
-  SetLegalMoves<Us>(moves, FindKingDanger<Us>());
-  if (moves.Froms == 0)
-    return false;
-  const int from = LowestSquare(moves.Froms);
-  const int to = LowestSquare(moves.Targets[static_cast<unsigned>(from)]);
-  found.BestMove = PackMove(from, to);
-  MoveText(found.BestMoveText, PieceOn(from), from, to);
-  return true;
-}
+SearchResult LastResult;
 
-void BeginSearch() {
-  RootResults.Count = PreviousRootResults.Count = 0;
-  HaveFallbackBest = false;
-  Result.BestMoveReason = 0;
-  PreviousBestMove = kNoMove;
-  DeadlineArmed = SearchAborted = false;
-  CompletedDepth = 0;
-  ElapsedMs = 0;
-  NodesToStopTest = 0;
+// Memories of one search. The table alone outlives it, with the pawn cache, which never changes a value.
+void ClearSearchMemory() {
+  ClearRootResults();
   FinalPvClear();
   ClearKillers();
   ClearHistory();
 }
 
-// The answer of a position without a legal move: mate or a draw. It holds also when a stop leaves no pass over the root.
-void SetResultWithoutMoves() {
-  Result.BestMove = kNoMove;
-  Result.BestScore = IsInCheck(RootSide) ? MatedScore(RootSide, 0) : 0;
-  BoundedStringFromText(Result.BestMoveText, "---");
-  Nodes = 0;
-  LegalMoveCount = 0;
+// The first legal move in scan order with the static evaluation: the answer when nothing was searched.
+RootChoice DefaultChoice(const MoveSets &moves) {
+  const int from = Lsb(moves.Froms);
+  const int to = Lsb(moves.Targets[from]);
+  DisplaceOtherPosition();
+  return {PackMove(from, to), Evaluate(), MoveReason::kScore};
 }
 
-// Deepens until a limit, a stop or a mate; kept takes the result of each finished iteration. Returns all nodes.
-std::int64_t Iterate(SearchResult &kept) {
-  std::int64_t total = 0;
-  for (CurrentDepth = 1; CurrentDepth <= MaxDepth; ++CurrentDepth) {
-    if (ShouldStop())
-      break;
-    Nodes = 0;
+// The answer of a position without a legal move, mate or a draw, stands before the pass over its root: a stop may leave
+// nothing of that.
+RootChoice ChoiceWithoutMoves() {
+  return {kNoMove, IsInCheck(SideToMove) ? MatedScore(SideToMove, 0) : 0, MoveReason::kScore};
+}
+
+// Deepens until a limit, a stop or a mate. best holds the default answer and takes that of each finished iteration, or
+// what the first one has found when it is cut off.
+void Iterate(int maxDepth, HintMode hints, RootChoice &best, SearchResult &result) {
+  PackedMove previousBestMove = kNoMove;
+  for (int depth = 1; depth <= maxDepth && !ShouldStop(); ++depth) {
+    BeginIteration(depth);
     ClearKillers();
-    SearchRoot();
-    total += Nodes;
-    if (SearchAborted)
-      break;
-    CompletedDepth = CurrentDepth;
-    PreviousRootResults = RootResults;
-    kept = Result;
+    RootChoice found;
+    const bool finished = SearchRoot(previousBestMove, hints, found);
+    result.Nodes += Nodes;
+    if (finished || (depth == 1 && found.Move != kNoMove))
+      best = found;
+    if (!finished)
+      return;
+    result.CompletedDepth = depth;
+    KeepRootResults();
     FinalPvClear();
     FinalPvCopy();
-    PreviousBestMove = Result.BestMove;
-    if (Absolute(kept.BestScore) >= kMateThreshold) {
-      SearchAborted = true;
-      break;
-    }
+    if (IsMateScore(best.Score))
+      return;
+    previousBestMove = best.Move;
   }
-  return total;
 }
 
-// The score from the mover's view.
-std::array<char, 64> ScoreText() {
-  std::array<char, 64> text{};
-  const int score = RootSide == kWhite ? Result.BestScore : -Result.BestScore;
-  const int mateMoves = (std::max(kMateValue - Absolute(score), 0) + 1) / 2;
-  if (Absolute(score) >= kMateThreshold)
-    std::snprintf(text.data(), text.size(), "mate %d", score < 0 ? -mateMoves : mateMoves);
+void Publish(SearchResult &result, const RootChoice &best) {
+  result.BestMove = best.Move;
+  result.BestScore = best.Score;
+  result.BestMoveReason = best.Reason;
+  if (best.Move != kNoMove)
+    MoveText(result.BestMoveText, PieceOn(FromOf(best.Move)), FromOf(best.Move), ToOf(best.Move));
   else
-    std::snprintf(text.data(), text.size(), "cp %d", score);
-  return text;
+    BoundedStringFromText(result.BestMoveText, "---");
 }
 
 } // namespace
 
-void ResetSearchState() {
-  MaxDepth = kDepthLimit;
-  TimeLimitSeconds = kDefaultTimeLimitSeconds;
-  CurrentDepth = 1;
-  Nodes = 0;
-  PreviousBestMove = kNoMove;
-  Result = {};
-  Result.BestMove = kNoMove;
-  BoundedStringFromText(Result.BestMoveText, "---");
-  FallbackBest = Result;
-  HaveFallbackBest = false;
-  CompletedDepth = 0;
-  ElapsedMs = 0;
-  LegalMoveCount = 0;
-}
-
-void RunSearch() {
-  BeginSearch();
+void RunSearch(const SearchLimits &limits, const SearchOptions &options) {
+  assert(limits.MaxDepth >= 1 && limits.MaxDepth <= kDepthLimit && PositionIsOk());
+  EnableTranspositionMoves(options.UseTranspositionMoves);
+  EnablePawnCache(options.PawnCacheEnabled);
+  const HintMode hints = ChooseHintMode(options.UseHints, options.UseEndgameHints);
+  ResetStopControl();
+  ClearSearchMemory();
   const double start = ProgramClock();
-  Deadline = start + TimeLimitSeconds * 1000.0;
-  SearchResult kept{};
-  if (!(RootSide == kWhite ? FindDefaultMove<kWhite>(kept) : FindDefaultMove<kBlack>(kept))) {
-    SetResultWithoutMoves();
-    CurrentDepth = 1;
-    SearchRoot();
-    ElapsedMs = ProgramClock() - start;
-    return;
+  SearchResult result{};
+
+  MoveSets moves;
+  GenerateLegalMoves(moves, SideToMove);
+  result.LegalMoveCount = CountMoves(moves);
+  RootChoice best;
+  if (result.LegalMoveCount == 0) {
+    best = ChoiceWithoutMoves();
+    RootChoice none;
+    BeginIteration(1);
+    SearchRoot(kNoMove, hints, none); // what it evaluates shows in the table
+  } else {
+    best = DefaultChoice(moves);
+    ArmDeadline(start + limits.TimeLimitSeconds * 1000.0);
+    Iterate(limits.MaxDepth, hints, best, result);
+    DisarmDeadline();
   }
-  LegalMoveCount = CountLegalMoves(RootSide);
-  kept.BestScore = Evaluate();
-  DeadlineArmed = true;
-  const std::int64_t total = Iterate(kept);
-  if (CompletedDepth == 0 && HaveFallbackBest)
-    kept = FallbackBest;
-  PreviousBestMove = kNoMove;
-  DeadlineArmed = false;
-  Result = kept;
-  Nodes = total;
-  ElapsedMs = ProgramClock() - start;
+  Publish(result, best);
+  result.ElapsedMs = ProgramClock() - start;
+  LastResult = result;
 }
 
-void PrintSearchResult() {
-  const bool hasMove = Result.BestMove != kNoMove;
-  const char *move = Result.BestMoveText.Text.data();
-  const double rate = static_cast<double>(Nodes) * 1000.0 / (ElapsedMs > 0 ? ElapsedMs : 1.0);
-  std::printf("info depth %d score %s nodes %lld time %d nps %lld pv %s\n", CompletedDepth, ScoreText().data(),
-              static_cast<long long>(Nodes), static_cast<int>(ElapsedMs), static_cast<long long>(rate),
-              hasMove ? move : "");
-  std::printf("bestmove %s\n", hasMove ? move : "0000");
-  std::fflush(stdout);
-}
+const SearchResult &Result() { return LastResult; }
 
 } // namespace zorvane

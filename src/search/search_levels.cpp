@@ -1,15 +1,15 @@
 #include "search/search_levels.h"
 
 #include <algorithm>
-#include <array>
+#include <cassert>
 
-#include "board/legal_moves.h"
+#include "board/array.h"
+#include "board/draw_rules.h"
 #include "quiescence/killers_history.h"
 #include "quiescence/move_lists.h"
-#include "quiescence/predicates.h"
 #include "quiescence/quiescence_search.h"
 #include "search/best_line.h"
-#include "search/search_driver.h"
+#include "search/search_state.h"
 #include "search/stop_control.h"
 #include "search/transposition_table.h"
 
@@ -17,11 +17,13 @@ namespace zorvane {
 
 namespace {
 
-// The third iteration leaves the table out.
-enum class TableUse { kAsked, kLeftOut };
+constexpr int kFirstLevel = 1;
+
+// This iteration neither asks nor changes the table: its first moves come from the last best line alone.
+constexpr int kIterationWithoutTable = 3;
 
 // The locals of a node.
-struct Node {
+struct LevelNode {
   int Ply;
   int Alpha;
   int Beta;
@@ -31,28 +33,29 @@ struct Node {
   PackedMove FirstMove; // kNoMove for none
 };
 
-constexpr int kFirstLevel = 1;
-
 enum class Outcome { kGoOn, kFinished };
 
-template <Side Us, TableUse Table> int SearchLevel(int ply, int alpha, int beta, ScoreRange range);
+template <Side Us> int SearchLevel(int ply, int alpha, int beta, ScoreRange range);
 
-template <TableUse Table> void StoreBestMove(int ply) {
-  if constexpr (Table == TableUse::kAsked)
-    StoreTransposition(ply);
+bool IsTableInUse() { return CurrentDepth != kIterationWithoutTable; }
+
+void StoreBestMove(int ply) {
+  if (IsTableInUse())
+    StoreTransposition(ply, PvBestMove(ply));
 }
 
-// The move to try first: that of the last iteration's best line, else the table's.
-template <Side Us, TableUse Table> PackedMove FindFirstMove(int ply) {
-  if constexpr (Table == TableUse::kAsked)
-    return ProbeHashMove(ply, Us);
-  return PvMoveAtPly(ply, Us) ? FinalPv[static_cast<unsigned>(ply)].Move : kNoMove;
+// The move to try first: that of the last iteration's best line, else the table's. The table is probed in either case,
+// as that prepares the node's store.
+PackedMove ProbeHashMove(int ply, Side side) {
+  const PackedMove remembered = IsTableInUse() ? ProbeTransposition(ply, side) : kNoMove;
+  const PackedMove onLine = PvMoveAtPly(ply, side);
+  return onLine != kNoMove ? onLine : remembered;
 }
 
 // A child's score that is no better than the best so far leaves no trace. Beyond the other end of the node's own range
 // any score cuts the node at once. The range's near end does not count: scores there choose the best line and the move
 // for the table, though the callers cannot tell them apart.
-template <Side Us> ScoreRange ChildRange(const Node &node) {
+template <Side Us> ScoreRange ChildRange(const LevelNode &node) {
   if constexpr (Us == kWhite)
     return {node.Best, node.Range.Ceiling};
   else
@@ -60,16 +63,19 @@ template <Side Us> ScoreRange ChildRange(const Node &node) {
 }
 
 // Searches one legal move and takes its score in. Finished when the node is cut or the search stopped.
-template <Side Us, TableUse Table> Outcome SearchMove(Node &node, PackedMove move) {
+template <Side Us> Outcome SearchMove(LevelNode &node, PackedMove move) {
   const int from = FromOf(move);
   const int to = ToOf(move);
-  ++Nodes;
+
+  // Make the move, search, take it back.
+  CountNode();
   MakeMoveOf<Us>(from, to);
-  const int score = SearchLevel<Opposite(Us), Table>(node.Ply + 1, node.Alpha, node.Beta, ChildRange<Us>(node));
+  const int score = SearchLevel<Opposite(Us)>(node.Ply + 1, node.Alpha, node.Beta, ChildRange<Us>(node));
   RestoreState(node.Ply);
   if (SearchAborted)
     return Outcome::kFinished;
 
+  // A better score makes the best line and moves the window.
   if (Us == kWhite ? score > node.Best : score < node.Best) {
     PvStore(node.Ply, Us, from, to);
     node.Best = score;
@@ -81,32 +87,33 @@ template <Side Us, TableUse Table> Outcome SearchMove(Node &node, PackedMove mov
   node.Searched = true;
   if (node.Alpha < node.Beta)
     return Outcome::kGoOn;
+
+  // A cut: quiet moves that caused one are tried earlier elsewhere.
   if (!IsCaptureMove(from, to)) {
     StoreKiller(node.Ply, move);
     AddHistory(Us, node.Ply, move);
   }
-  StoreBestMove<Table>(node.Ply);
+  StoreBestMove(node.Ply);
   return Outcome::kFinished;
 }
 
 // A killer comes from another position: it has its turn when it is legal here and not among the captures and checks.
-template <Side Us> bool IsKillerToTry(const Node &node, PackedMove killer) {
+template <Side Us> bool IsKillerToTry(const LevelNode &node, PackedMove killer) {
   return killer != kNoMove && killer != node.FirstMove && !IsInCaptureList(node.Ply, killer) &&
          IsLegalMoveOf(Us, killer);
 }
 
 // Walks the stages: first move, captures and quiet checks, killers, other quiet moves.
-template <Side Us, TableUse Table> Outcome SearchMoves(Node &node) {
-  const auto row = static_cast<unsigned>(node.Ply);
-  const auto search = [&node](PackedMove move) { return SearchMove<Us, Table>(node, move) == Outcome::kFinished; };
-  const MoveList &captures = CaptureList[row];
-  MoveList &quiets = QuietList[row];
-  const std::array<PackedMove, 2> &killers = KillerTable[row];
+template <Side Us> Outcome SearchMoves(LevelNode &node) {
+  const auto search = [&node](PackedMove move) { return SearchMove<Us>(node, move) == Outcome::kFinished; };
+  const LevelMoveList &captures = CaptureList[node.Ply];
+  LevelMoveList &quiets = QuietList[node.Ply];
+  const Array<PackedMove, 2> &killers = KillerTable[node.Ply];
 
   if (node.FirstMove != kNoMove && search(node.FirstMove))
     return Outcome::kFinished;
   for (int i = 0; i < captures.Count; ++i) {
-    const PackedMove move = captures.Moves[static_cast<unsigned>(i)].Move;
+    const PackedMove move = captures.Moves[i].Move;
     if (move != node.FirstMove && search(move))
       return Outcome::kFinished;
   }
@@ -123,37 +130,39 @@ template <Side Us, TableUse Table> Outcome SearchMoves(Node &node) {
 
 template <Side Us> int ScoreWithoutMoves(int ply) { return IsInCheck(Us) ? MatedScore(Us, ply) : 0; }
 
-template <Side Us, TableUse Table> int SearchLevel(int ply, int alpha, int beta, ScoreRange range) {
+template <Side Us> int SearchLevel(int ply, int alpha, int beta, ScoreRange range) {
+  assert(ply >= kFirstLevel && ply <= kSearchPlies && alpha < beta && PositionIsOk());
+
+  // 1. Where full width ends, quiescence takes care of stops, repetitions, the fifty-move rule and material.
   PvClearFrom(ply);
-  // At the horizon quiescence takes care of stops, repetitions, the fifty-move rule and material.
   if (CurrentDepth <= ply)
     return EnterQuiescence<Us>(ply, alpha, beta, range);
+
+  // 2. Stops and draws.
   if (PollStop() || IsRepetitionDraw(Us, ply))
     return 0;
-  if (Position.HalfmoveClock >= kFiftyMoveLimit || IsInsufficientMaterial())
+  if (IsMaterialOrClockDraw())
     return HasLegalMove(Us) ? 0 : ScoreWithoutMoves<Us>(ply);
 
+  // 3. Moves in order. Their history scores are those of this moment, before anything below is searched.
   GenerateMoves<Us>(ply);
-  Node node{ply, alpha, beta, range, Us == kWhite ? -kInfinity : kInfinity, false, FindFirstMove<Us, Table>(ply)};
+  LevelNode node{ply, alpha, beta, range, Us == kWhite ? -kInfinity : kInfinity, false, ProbeHashMove(ply, Us)};
+
+  // 4. Search them until one cuts.
   SaveState(ply);
-  if (SearchMoves<Us, Table>(node) == Outcome::kFinished)
+  if (SearchMoves<Us>(node) == Outcome::kFinished)
     return node.Best;
   if (!node.Searched)
     return ScoreWithoutMoves<Us>(ply);
-  StoreBestMove<Table>(ply);
+  StoreBestMove(ply);
   return node.Best;
 }
 
 } // namespace
 
 int SearchLevels(Side side, int alpha, int beta) {
-  return side == kWhite ? SearchLevel<kWhite, TableUse::kAsked>(kFirstLevel, alpha, beta, kAllScores)
-                        : SearchLevel<kBlack, TableUse::kAsked>(kFirstLevel, alpha, beta, kAllScores);
-}
-
-int ThirdIteration(Side side, int alpha, int beta) {
-  return side == kWhite ? SearchLevel<kWhite, TableUse::kLeftOut>(kFirstLevel, alpha, beta, kAllScores)
-                        : SearchLevel<kBlack, TableUse::kLeftOut>(kFirstLevel, alpha, beta, kAllScores);
+  return side == kWhite ? SearchLevel<kWhite>(kFirstLevel, alpha, beta, kAllScores)
+                        : SearchLevel<kBlack>(kFirstLevel, alpha, beta, kAllScores);
 }
 
 } // namespace zorvane

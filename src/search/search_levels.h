@@ -13,7 +13,4 @@ namespace zorvane {
 // SearchAborted is set. The position is unchanged.
 int SearchLevels(Side side, int alpha, int beta);
 
-// The same for the third iteration, whose levels neither ask nor change the table.
-int ThirdIteration(Side side, int alpha, int beta);
-
 } // namespace zorvane

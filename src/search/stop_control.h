@@ -2,41 +2,42 @@
 // command loop and the cancel file of a request, and once it has said yes it keeps saying so.
 #pragma once
 
-#include <array>
-#include <atomic>
-#include <cstdint>
-
 namespace zorvane {
 
-constexpr unsigned kPathBufferSize = 4096;
+// Asks the search to end, from any thread. The request stays until ClearStopRequest.
+void RequestStop();
+void ClearStopRequest();
+bool IsStopRequested();
 
-// Non-zero asks the search to end. The one value that two threads write.
-extern std::atomic<std::int32_t> StopFlag;
-
-extern bool SearchAborted; // latched when the search must end
-extern bool DeadlineArmed; // written by RunSearch
-extern double Deadline;    // milliseconds on ProgramClock
-
-// The file whose existence cancels the search; empty for none.
-extern std::array<char, kPathBufferSize> CancelPath;
+// From now on a file of this name, shorter than 4096 bytes, asks the search to end.
+void WatchCancelFile(const char *path);
 
 // Makes now the zero point of ProgramClock.
 void StartProgramClock();
 
-// Milliseconds since program start, with a fraction.
+// Milliseconds since StartProgramClock, with a fraction.
 double ProgramClock();
+
+// Forgets how the last search ended: no deadline, not aborted. A stop that was requested stays.
+void ResetStopControl();
+
+// The search must end when ProgramClock has reached this many milliseconds.
+void ArmDeadline(double milliseconds);
+void DisarmDeadline();
 
 // True when the search must end. Reads the clock; looks for the cancel file at most once in ten milliseconds.
 bool ShouldStop();
 
-// The nodes that may still pass before ShouldStop is asked again.
+// True from the moment that ShouldStop has said yes until the next search. From then on returned scores mean nothing.
+extern bool SearchAborted;
+
+// The nodes that may still pass before PollStop asks again. A node takes some 60 ns.
 extern int NodesToStopTest;
-constexpr int kNodesPerStopTest = 64;
 
 // PollStop's slow half: restarts the count and asks ShouldStop.
 bool AskShouldStop();
 
-// ShouldStop for the heads of nodes: asks every kNodesPerStopTest nodes, which take a small part of a millisecond.
+// ShouldStop for the heads of nodes: asks every 64 nodes, which take a small part of a millisecond.
 inline bool PollStop() { return --NodesToStopTest <= 0 && AskShouldStop(); }
 
 } // namespace zorvane

@@ -11,21 +11,30 @@
 
 namespace zorvane {
 
-constexpr int kDefaultTableKb = 1024; // what the user is told; the slots themselves are smaller
+constexpr int kDefaultTableKb = 1024;
+
+// Sizes are told in KiB of 128-byte slots, of which a slot here takes a third; how many slots there are decides which
+// positions displace each other, so their number follows the sizes that are told.
 constexpr int kSlotsPerKb = 8;
 
-extern int TranspositionSizeKb; // 0, 512 or 1024; 0 means no table
-extern int TranspositionSlots;  // 8 for each KiB
+// Slots of the table, 0 when there is none. Written by ResizeTransposition.
+extern int TranspositionSlots;
 
-// Request flag 1. With it off no move is read or stored.
-extern bool UseTranspositionMoves;
-
-// Each slot takes a move and a key.
+// A move and a key.
 constexpr std::size_t kSlotBytes = sizeof(std::uint16_t) + sizeof(PositionKey);
 
-// Makes an empty table of that size, 0, 512 or 1024 KiB; any other size is ignored. Ends the process with exit code 2
-// when there is no memory.
+// True for the sizes that a table may have: 0 for none, 512, 1024 KiB.
+constexpr bool IsTableSize(int sizeKb) { return sizeKb == 0 || sizeKb == 512 || sizeKb == 1024; }
+
+// Makes an empty table of that size; any other size is ignored. Ends the process with exit code 2 when there is no
+// memory.
 void ResizeTransposition(int sizeKb);
+
+// Empties the table, whatever its size.
+void ClearTransposition();
+
+// With false no move is read or stored; evaluations displace moves all the same. On at program start.
+void EnableTranspositionMoves(bool enabled);
 
 // The key of the position in the table: unlike a PositionKey it takes the en-passant square as it stands.
 inline PositionKey TranspositionKey(Side side) { return MakePositionKey(Position, side, Position.EnPassantSquare); }
@@ -39,31 +48,30 @@ inline std::uint16_t &StoredMove(std::size_t slot) {
   return RecordAt<std::uint16_t>(kTranspositionBlock, slot * sizeof(std::uint16_t));
 }
 
-// Whose move it is; without meaning in an empty slot.
+// Whose move it is; without meaning in an empty slot. The moves take a multiple of 8 bytes, so keys are aligned.
 inline PositionKey &StoredKey(std::size_t slot) {
   const std::size_t moves = static_cast<std::size_t>(TranspositionSlots) * sizeof(std::uint16_t);
   return RecordAt<PositionKey>(kTranspositionBlock, moves + slot * sizeof(PositionKey));
 }
 
-// What evaluating the position, with side to move, does to the table: its slot loses the move of any other position.
-inline void DisplaceOtherPosition(Side side) {
+// What evaluating the current position does to the table: its slot loses the move of any other position. Comes before
+// every evaluation of a search. The key is taken with SideToMove, which stays the root's side throughout a search,
+// whatever side the node has; so where the other side is to move, even the node's own move is displaced. That is part
+// of the move order and must stay.
+inline void DisplaceOtherPosition() {
   if (TranspositionSlots == 0)
     return;
   const std::size_t slot = SlotIndex();
   std::uint16_t &move = StoredMove(slot);
-  if (move != 0 && StoredKey(slot) != TranspositionKey(side)) [[unlikely]]
+  if (move != 0 && StoredKey(slot) != TranspositionKey(SideToMove)) [[unlikely]]
     move = 0;
 }
 
-// The move stored for the position with side to move, when it is legal, else kNoMove. Prepares the store of the same
-// ply, 0 to 7.
+// The move stored for the position with side to move, else kNoMove; it is legal. Prepares the store of the same ply,
+// 0 to 7.
 PackedMove ProbeTransposition(int ply, Side side);
 
-// The move to try first at a node of the ply, kNoMove for none: the best line's where the search stands on it, else the
-// table's. Prepares the store.
-PackedMove ProbeHashMove(int ply, Side side);
-
-// Stores the best move of the ply's line for the position of its probe. Does nothing once the search is aborted.
-void StoreTransposition(int ply);
+// Stores the best move, not kNoMove, for the position of the ply's probe. Does nothing once the search is aborted.
+void StoreTransposition(int ply, PackedMove best);
 
 } // namespace zorvane

@@ -3,8 +3,8 @@
 #include <cstdlib>
 #include <string>
 
+#include "board/fen.h"
 #include "board/perft.h"
-#include "board/position.h"
 #include "board/position_key.h"
 #include "evaluation/evaluate.h"
 #include "frontend/engine_main.h"
@@ -20,9 +20,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     before = BuildPositionKey(SideToMove);
     Perft(1);
     Evaluate();
-    MaxDepth = 1;
-    TimeLimitSeconds = 0.001;
-    RunSearch();
+    RunSearch({1, 0.001});
   }
   if (!(BuildPositionKey(SideToMove) == before))
     std::abort();

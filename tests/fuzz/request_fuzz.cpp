@@ -69,7 +69,7 @@ extern "C" int LLVMFuzzerInitialize(int * /*argc*/, char *** /*argv*/) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
   StartEngine();
-  StopFlag = 0;
+  ClearStopRequest();
   const std::string text = WithSmallLimits({reinterpret_cast<const char *>(data), size});
   std::FILE *file = std::fopen(Request.c_str(), "wb");
   if (file == nullptr || std::fwrite(text.data(), 1, text.size(), file) != text.size() || std::fclose(file) != 0)

@@ -1,6 +1,5 @@
 """What the Windows program does its own way; script/test-windows runs it under wine and a virtual screen."""
 import os
-import pathlib
 import subprocess
 import time
 import unittest
@@ -29,7 +28,8 @@ def start_as_a_person(*arguments):
 
 
 def windows_with(caption):
-    return subprocess.run(['xdotool', 'search', '--name', f'^{caption}$'], capture_output=True, text=True).stdout.split()
+    found = subprocess.run(['xdotool', 'search', '--name', f'^{caption}$'], capture_output=True, text=True)
+    return found.stdout.split()
 
 
 class StartBox(unittest.TestCase):
@@ -38,7 +38,7 @@ class StartBox(unittest.TestCase):
         """The box is there under its caption, stays until it is dismissed, and the program ends with 0."""
         process = start_as_a_person()
         self.addCleanup(process.kill)
-        deadline = time.monotonic() + 30
+        deadline = time.monotonic() + HANG_S
         while not (boxes := windows_with(CAPTION)) and time.monotonic() < deadline:
             time.sleep(0.1)
         self.assertEqual(len(boxes), 1)
@@ -46,12 +46,12 @@ class StartBox(unittest.TestCase):
         subprocess.run(['import', '-window', 'root', SCREENSHOT], check=True)
         self.assertIsNone(process.poll())
         subprocess.run(['xdotool', 'windowfocus', boxes[0], 'key', 'Return'], check=True)
-        self.assertEqual(process.wait(timeout=30), 0)
+        self.assertEqual(process.wait(timeout=HANG_S), 0)
         self.assertEqual(windows_with(CAPTION), [])
 
     def test_arguments_need_no_standard_input(self):
         for arguments, code in ((['--foo'], 2), (['--perft', '1'], 0)):
-            self.assertEqual(start_as_a_person(*arguments).wait(timeout=30), code)
+            self.assertEqual(start_as_a_person(*arguments).wait(timeout=HANG_S), code)
         self.assertEqual(windows_with(CAPTION), [])
 
 

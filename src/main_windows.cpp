@@ -6,7 +6,7 @@
 
 // FENs and paths are taken as they stand; without this the C library would
 // expand wildcards in them. The name is the library's own.
-int _dowildcard = 0; // NOLINT(readability-identifier-naming)
+int _dowildcard = 0; // NOLINT(bugprone-reserved-identifier)
 
 int WINAPI WinMain(HINSTANCE /*instance*/, HINSTANCE /*previous*/, LPSTR /*commandLine*/, int /*show*/) {
   return zorvane::EngineMain(__argc, __argv);

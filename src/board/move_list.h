@@ -1,0 +1,36 @@
+// Lists of moves with scores, of fixed capacity.
+#pragma once
+
+#include "board/array.h"
+#include "board/types.h"
+
+namespace zorvane {
+
+struct ScoredMove {
+  std::int32_t Score;
+  PackedMove Move;
+};
+
+// A full list keeps what it holds and takes no further move. No position of a game comes near the capacities, but
+// placements with forty queens can be loaded, and which of their moves are dropped is part of the engine's answers.
+template <int Capacity> struct MoveList {
+  int Count;
+  Array<ScoredMove, Capacity> Moves;
+};
+
+template <int Capacity> inline void Append(MoveList<Capacity> &list, ScoredMove move) {
+  if (list.Count < Capacity)
+    list.Moves[list.Count++] = move;
+}
+
+// Puts the move below all with an equal or greater score, so that equals keep the order in which they came.
+template <int Capacity> inline void InsertSorted(MoveList<Capacity> &list, ScoredMove move) {
+  if (list.Count == Capacity)
+    return;
+  int place = list.Count++;
+  for (; place > 0 && list.Moves[place - 1].Score < move.Score; --place)
+    list.Moves[place] = list.Moves[place - 1];
+  list.Moves[place] = move;
+}
+
+} // namespace zorvane

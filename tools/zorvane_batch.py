@@ -1,0 +1,197 @@
+"""Many searches side by side by Zorvane's request files: what the command line tools share.
+
+    with Batch(find_engine(None), jobs=4) as batch:
+        for request, result in batch.results(requests):
+            ...
+    if batch.interrupts:
+        ...
+
+`requests` may be a generator: it is asked, in another thread, for the next request when an engine is free, so that few
+are held at a time. Results come in its order. What it raises, such as a Problem, comes out of `results` behind the
+results of all requests before it. zorvane_requests tells what a request and a result are.
+"""
+import os
+import pathlib
+import re
+import shlex
+import shutil
+import signal
+import sys
+import tempfile
+import threading
+import time
+
+from zorvane_requests import CANCEL_IT, GO_ON, KILL_IT, POLL_S, Problem, clean_up, run
+
+REQUEST_SUFFIX = '.request'
+MOST_WAITING = 4096  # results that wait for an earlier one
+HANGUP = getattr(signal, 'SIGHUP', None)  # which Windows has not
+PROGRAM = 'zorvane.exe' if os.name == 'nt' else 'zorvane'
+# From the folder above this one: a build, the unpacked package, an installation's documents.
+PROGRAM_FOLDERS = ('build/release', '.', '../../../bin')
+
+
+def split_command(command, windows=os.name == 'nt'):
+    """The words of a command line by the rules of the system's shell."""
+    try:
+        if not windows:
+            return shlex.split(command)
+        if command.count('"') % 2:
+            raise ValueError('No closing quotation')
+        return [word.replace('"', '') for word in re.findall(r'(?:[^\s"]|"[^"]*")+', command)]
+    except ValueError:
+        raise Problem(f'the engine {command} has a quotation that does not end') from None
+
+
+def find_engine(command):
+    """The engine's command line as a list: a program, or a program and its first arguments. None is the default."""
+    if command is None:
+        above = pathlib.Path(__file__).resolve().parent.parent
+        near = (above / folder / PROGRAM for folder in PROGRAM_FOLDERS)
+        return [next((os.path.normpath(program) for program in near if program.is_file()), PROGRAM)]
+    engine = [command] if shutil.which(command) else split_command(command)
+    if not engine:
+        raise Problem('the name of the engine is empty')
+    return engine
+
+
+
+def request_path(folder, number):
+    return folder / f'{number:06}{REQUEST_SUFFIX}'
+
+
+class Batch:
+    """Engines that work side by side, one on each request. Without a folder for the files it makes one of its own.
+
+    Inside the context a first Ctrl-C, SIGTERM or SIGHUP cancels what runs and starts nothing more, a second kills;
+    `results` ends behind what was started. Leaving it cancels what still runs and waits for it."""
+
+    def __init__(self, engine, folder=None, jobs=1, keep=False, progress=lambda finished, running: None):
+        self.engine, self.folder, self.jobs, self.keep, self.progress = engine, folder, jobs, keep, progress
+        self.interrupts = 0
+        self.leaving = self.ended = False
+        self.workers = self.started = self.given = 0
+        self.finished = {}
+        self.reading = threading.Lock()
+        self.changed = threading.Condition()
+
+    def __enter__(self):
+        if not shutil.which(self.engine[0]):
+            raise Problem(f'there is no engine {self.engine[0]} to run: build it, or name it with --engine')
+        caught = [signal.SIGINT, signal.SIGTERM]
+        if HANGUP and signal.getsignal(HANGUP) != signal.SIG_IGN:  # else nohup wants it ignored
+            caught.append(HANGUP)
+        self.handlers = {number: signal.signal(number, self._interrupt) for number in caught}
+        self.temporary = None if self.folder else tempfile.TemporaryDirectory(prefix='zorvane-')
+        self.folder = self.folder or pathlib.Path(self.temporary.name)
+        return self
+
+    def __exit__(self, *_):
+        self.leaving = True
+        with self.changed:
+            while self.started > self.given + len(self.finished):
+                self.changed.wait(POLL_S)
+        if self.temporary:
+            self.temporary.cleanup()
+        for number, handler in self.handlers.items():
+            signal.signal(number, handler)
+
+    def results(self, requests):
+        """Run an engine on each request; gives pairs of request and result."""
+        self.source = iter(requests)
+        self._add_worker()
+        while True:
+            with self.changed:
+                while self.given + 1 not in self.finished:
+                    if self.given == self.started and (self.ended or self.interrupts):
+                        return
+                    self.changed.wait(POLL_S)
+                    self._show_progress()
+                request, result = self.finished.pop(self.given + 1)
+                self.given += 1
+                self.changed.notify_all()
+            if isinstance(result, Exception):
+                raise result
+            self._show_progress()
+            yield request, result
+
+    def _interrupt(self, *_):
+        self.interrupts += 1
+
+    def _urgency(self):
+        return KILL_IT if self.interrupts > 1 else CANCEL_IT if self.interrupts or self.leaving else GO_ON
+
+    def _show_progress(self):
+        finished = self.given + len(self.finished)
+        self.progress(finished, self.started - finished)
+
+    def _add_worker(self):
+        # A worker may wait for input for ever; as a daemon it does not keep the program from ending.
+        self.workers += 1
+        threading.Thread(target=self._work, daemon=True).start()
+
+    def _work(self):
+        while True:
+            with self.reading:
+                number, request = self._take()
+            if not number:
+                return
+            try:
+                if isinstance(request, Exception):
+                    raise request
+                path = request_path(self.folder, number)
+                try:
+                    result = run(self.engine, path, request, self._urgency)
+                finally:
+                    if not self.keep:
+                        clean_up(path)
+            except Exception as problem:
+                result = problem
+            with self.changed:
+                self.finished[number] = request, result
+                self.changed.notify_all()
+
+    def _take(self):
+        """The next number and request, or what was raised instead; none when nothing more is to be started."""
+        with self.changed:
+            while self.started - self.given >= MOST_WAITING + self.jobs and not self._urgency():
+                self.changed.wait(POLL_S)
+        try:
+            request = None if self.ended or self._urgency() else next(self.source, None)
+        except Exception as problem:
+            request = problem
+        with self.changed:
+            if request is None or self._urgency():
+                self.ended = True
+                self.changed.notify_all()
+                return None, None
+            self.started += 1
+            if self.workers < self.jobs:
+                self._add_worker()
+            return self.started, request
+
+
+class Progress:
+    """A line on standard error: rewritten in place on a terminal, now and then elsewhere."""
+
+    def __init__(self, total=None, quiet=False):
+        self.of = '' if total is None else f' of {total}'
+        self.quiet = quiet or sys.stderr is None
+        self.terminal = not self.quiet and sys.stderr.isatty()
+        self.interval_s = 0.2 if self.terminal else 2.0
+        self.start = self.last = time.monotonic()
+
+    def show(self, finished, running, end=False):
+        now = time.monotonic()
+        if self.quiet or not (end or now - self.last >= self.interval_s):
+            return
+        self.last = now
+        self.wipe()
+        line_end = '' if self.terminal and not end else '\n'
+        print(f'{finished}{self.of} done, {running} running, {now - self.start:.1f} s', end=line_end,
+              file=sys.stderr, flush=True)
+
+    def wipe(self):
+        """Make room for a line of other text."""
+        if self.terminal:
+            print('\r\033[K', end='', file=sys.stderr, flush=True)
