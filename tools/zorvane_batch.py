@@ -55,7 +55,6 @@ def find_engine(command):
     return engine
 
 
-
 def request_path(folder, number):
     return folder / f'{number:06}{REQUEST_SUFFIX}'
 
@@ -127,8 +126,11 @@ class Batch:
 
     def _add_worker(self):
         # A worker may wait for input for ever; as a daemon it does not keep the program from ending.
-        self.workers += 1
-        threading.Thread(target=self._work, daemon=True).start()
+        try:
+            threading.Thread(target=self._work, daemon=True).start()
+            self.workers += 1
+        except RuntimeError:
+            self.jobs = self.workers  # The system gives no more.
 
     def _work(self):
         while True:

@@ -1,9 +1,8 @@
-// The array of this engine: of fixed size, indexed by whole numbers such as squares, sides and plies. Debug builds test
-// every index.
+// A fixed-size array indexed by int, so that squares, sides and plies need no casts as with std::array. Every index is
+// asserted.
 #pragma once
 
 #include <cassert>
-#include <initializer_list>
 
 namespace zorvane {
 

@@ -1,5 +1,8 @@
 #include "board/bitboard.h"
 
+#include <cassert>
+#include <initializer_list>
+
 #include "board/array.h"
 #include "board/magic_factors.h"
 
@@ -38,7 +41,7 @@ constexpr Array<Array<Bitboard, kSquares>, 2> PawnTable() {
   return table;
 }
 
-// The four lines through a square, without the square itself.
+// File and diagonals through a square, without the square itself; rows have a table of their own.
 struct LineSet {
   Bitboard File;
   Bitboard Diagonal;
@@ -67,7 +70,7 @@ constexpr Array<LineSet, kSquares> LineTable() {
 
 constexpr Array<LineSet, kSquares> kLines = LineTable();
 
-// Attacks along the lowest row for each file and each occupancy of the six inner squares.
+// Attacks along a row, as bits of row 0, by the occupancy of its six inner squares and by file.
 constexpr Array<Array<std::uint8_t, 8>, 64> RowTable() {
   Array<Array<std::uint8_t, 8>, 64> table{};
   for (int inner = 0; inner < 64; ++inner) {
@@ -88,8 +91,8 @@ constexpr Array<Array<std::uint8_t, 8>, 64> RowTable() {
 
 constexpr Array<Array<std::uint8_t, 8>, 64> kRowAttacks = RowTable();
 
-// Hyperbola quintessence: blockers minus the slider borrows up to the first blocker above it; with the bytes swapped,
-// so that the rows stand upside down, the same finds the first below. No row may hold two squares of the line.
+// Hyperbola quintessence: o - 2r finds the first blocker above, byte-swapped the first below. For lines with at most
+// one square in a row.
 inline Bitboard LineAttacks(int square, Bitboard occupied, Bitboard line) {
   const Bitboard blockers = occupied & line;
   const Bitboard up = blockers - Bit(square);
@@ -135,13 +138,13 @@ Array<SliderPair, kSquares> SliderPairs;
 
 namespace {
 
-// Sums over all squares of 2 to the number of inner squares that a slider sees on an empty board.
+// The sums over all squares of 2 to the number of squares in Mask.
 constexpr int kRookEntries = 102400;
 constexpr int kBishopEntries = 5248;
 
 Array<Bitboard, kRookEntries + kBishopEntries> SliderTable;
 
-// Blockers on the edge of the board cannot hide anything behind them, so they select nothing.
+// A blocker on the edge of the board hides nothing behind it, so it need not be looked at.
 constexpr Bitboard InnerSquares(int square) {
   const Bitboard rows = (RowMask(0) | RowMask(7)) & ~RowMask(RowOf(square));
   const Bitboard files = (kFileA | kFileH) & ~FileMask(FileOf(square));
@@ -160,7 +163,7 @@ Bitboard *FillSlider(SliderEntry &entry, int square, [[maybe_unused]] Bitboard f
   entry.Factor = factor;
   entry.Shift = 64 - squares;
 #endif
-  // Subtracting the mask counts in its squares alone, through all of its subsets and back to the empty one.
+  // Carry-rippler: all subsets of the mask, from the empty one back to it.
   Bitboard occupied = 0;
   do {
     next[SliderIndex(entry, occupied)] = compute(square, occupied);
@@ -178,6 +181,7 @@ void InitializeBitboards() {
     next = FillSlider(pair.Rook, square, kRookFactors[square], ComputeRookAttacks, next);
     next = FillSlider(pair.Bishop, square, kBishopFactors[square], ComputeBishopAttacks, next);
   }
+  assert(next == SliderTable.end());
   FillLines();
 }
 

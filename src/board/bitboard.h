@@ -5,6 +5,7 @@
 #pragma once
 
 #include <bit>
+#include <cassert>
 #include <cstddef>
 
 #if defined(ZORVANE_PEXT)
@@ -18,8 +19,8 @@ namespace zorvane {
 
 constexpr Bitboard kFileA = 0x0101010101010101U;
 constexpr Bitboard kFileH = kFileA << 7;
-constexpr Bitboard kRow0 = 0xFFU;
-constexpr Bitboard kLastRows = kRow0 | (kRow0 << 56);
+constexpr Bitboard kRow0 = 0xFFU;                     // the eighth rank
+constexpr Bitboard kLastRows = kRow0 | (kRow0 << 56); // where pawns promote, for both sides
 constexpr Bitboard kAllSquares = ~Bitboard{0};
 
 constexpr Bitboard Bit(int square) { return Bitboard{1} << square; }
@@ -50,29 +51,30 @@ template <Side Us> constexpr Bitboard PawnCaptures(Bitboard pawns) {
   return ShiftWest(ShiftForward<Us>(pawns)) | ShiftEast(ShiftForward<Us>(pawns));
 }
 
-// Attacks of a king, knight or pawn on a square of its own; squares beyond the board's edge are left out.
+// Attacks of kings, knights and pawns by from-square, for pawns by side first.
 extern const Array<Bitboard, kSquares> KingAttacks;
 extern const Array<Bitboard, kSquares> KnightAttacks;
 extern const Array<Array<Bitboard, kSquares>, 2> PawnAttacks;
 
-// The squares strictly between two squares of one line, and the whole line through both; empty when they share none.
+// Between: the squares strictly between two squares on a rank, file or diagonal. LineThrough: that whole line, from
+// edge to edge. Both are empty for squares on no common line. InitializeBitboards fills them.
 extern Array<Array<Bitboard, kSquares>, kSquares> Between;
 extern Array<Array<Bitboard, kSquares>, kSquares> LineThrough;
 
-// Fills the tables that are not constants. Must run once before anything else of the engine.
+// Fills the tables that are not constants. Must run before anything else of the engine.
 void InitializeBitboards();
 
-// Where the attacks of one slider from one square lie in the table of slider attacks.
+// The attacks of a rook or bishop from one square, for every occupancy that it can tell apart.
 struct SliderEntry {
-  Bitboard Mask; // the inner squares of its lines: whatever stands on others hides nothing
+  Bitboard Mask; // the relevant occupancy: its rays without the board edge
 #if !defined(ZORVANE_PEXT)
-  Bitboard Factor; // a magic number: brings the occupied squares under Mask to the top of the word, packed
-  int Shift;       // from there down to an index
+  Bitboard Factor; // the magic number
+  int Shift;       // 64 less the number of squares in Mask
 #endif
-  const Bitboard *Attacks; // a set for each occupation of Mask
+  const Bitboard *Attacks; // by SliderIndex
 };
 
-// A rook and a bishop on one square: a cache line with magic numbers, half of one without.
+// One cache line, half of one with PEXT, so that a queen's look-up touches no second one.
 struct alignas(2 * sizeof(SliderEntry)) SliderPair {
   SliderEntry Rook;
   SliderEntry Bishop;
@@ -80,8 +82,8 @@ struct alignas(2 * sizeof(SliderEntry)) SliderPair {
 
 extern Array<SliderPair, kSquares> SliderPairs;
 
-// Which of the sets of an entry belongs to the occupied squares. Processors that carry out PEXT step by step are
-// quicker with a multiplication, and most others have no PEXT.
+// The index of the attacks for an occupancy: by PEXT, or by magic multiplication for processors that have no PEXT or a
+// slow one in microcode.
 inline std::size_t SliderIndex(const SliderEntry &entry, Bitboard occupied) {
 #if defined(ZORVANE_PEXT)
   return _pext_u64(occupied, entry.Mask);

@@ -1,4 +1,4 @@
-// A text of at most 511 characters in a fixed buffer.
+// A text of at most 511 characters in a fixed buffer, the engine's string.
 #pragma once
 
 #include <array>
@@ -8,10 +8,11 @@ namespace zorvane {
 constexpr unsigned kBoundedStringSize = 512;
 
 struct BoundedString {
-  std::array<char, kBoundedStringSize> Text{}; // terminated, zero beyond the text
+  std::array<char, kBoundedStringSize> Text{}; // zero-terminated, and zero beyond the text
 };
 
-// Makes out the text. A text of 512 characters or more ends the process with exit code 2.
+// Copies the text to out. One of 512 characters or more ends the process: "string capacity exceeded" on standard error,
+// exit code 2.
 void BoundedStringFromText(BoundedString &out, const char *text);
 
 } // namespace zorvane

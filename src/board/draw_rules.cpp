@@ -4,7 +4,7 @@ namespace zorvane {
 
 namespace {
 
-constexpr Bitboard kLightSquares = 0xAA55AA55AA55AA55U;
+constexpr Bitboard kLightSquares = 0xAA55AA55AA55AA55U; // a8 is one
 
 } // namespace
 

@@ -8,18 +8,18 @@ namespace zorvane {
 
 constexpr int kFiftyMoveLimit = 100; // half-moves without a capture or pawn move
 
-// True when the position, with side to move, has come up twice before in the game and on the line above ply, and side
-// has a legal move.
+// True when the position, with side to move, has occurred at least twice before, in the game or at earlier plies of the
+// search line, and side has a legal move: mate and stalemate go before.
 inline bool IsRepetitionDraw(Side side, int ply) { return CountRepetitions(side, ply, 2) >= 2 && HasLegalMove(side); }
 
-// Of positions with kings, knights and bishops alone: true when there is no more than one minor piece in all, or a
-// bishop each on squares of one colour.
+// For positions with no pawns, rooks and queens: true with at most one minor piece, or with one bishop each, both on
+// squares of one colour.
 bool IsDeadMinorEnding();
 
-// True when the material that is left is not enough for either side to mate.
+// True when neither side has the material to mate. Two knights are thought to have it.
 inline bool IsInsufficientMaterial() { return (Pieces(kPawn, kRook) | Pieces(kQueen)) == 0 && IsDeadMinorEnding(); }
 
-// True when the position is drawn by the fifty-move rule or by its material, unless it is mate or stalemate.
+// The fifty-move rule and the material. Whether it is mate or stalemate, which go before, is for the caller to ask.
 inline bool IsMaterialOrClockDraw() { return Position.HalfmoveClock >= kFiftyMoveLimit || IsInsufficientMaterial(); }
 
 } // namespace zorvane

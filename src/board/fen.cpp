@@ -13,7 +13,7 @@ namespace zorvane {
 
 namespace {
 
-// Far above every limit that reads the clock, and far below what counting on could overflow.
+// Far above every number that the clock is compared with, and so low that counting on cannot overflow.
 constexpr int kHighestLoadedClock = 1000000000;
 
 constexpr char kPieceLetters[] = "PRNBQK prnbqk";
@@ -91,15 +91,16 @@ std::uint8_t ReadMovedFlags(const char *castling) {
 } // namespace
 
 bool LoadFen(const char *text) {
-  char ranks[100] = {};
-  char side[4] = {};
-  char castling[8] = {};
-  char target[8] = {};
+  // One more than the widths of the format below.
+  char ranks[99 + 1] = {};
+  char side[3 + 1] = {};
+  char castling[7 + 1] = {};
+  char target[7 + 1] = {};
   int read = 0;
   if (std::sscanf(text, "%99s %3s %7s %7s%n", ranks, side, castling, target, &read) < 4)
     return false;
 
-  // The two counts are optional, the second only counts behind a first one.
+  // The two counters are optional; a move number is only read behind a halfmove clock.
   int clock = 0;
   int moveNumber = 1;
   const char *behind = nullptr;

@@ -9,19 +9,20 @@
 
 namespace zorvane {
 
-// What a side's moves have to mind about its king. Valid until the position changes.
+// What generating a side's moves must know about its king. Valid until the position changes.
 struct CheckInfo {
-  int King;
-  Bitboard Checkers;
-  Bitboard RookReach;   // what a rook on the king's square would attack,
-  Bitboard BishopReach; // and a bishop
+  int King;             // its square
+  Bitboard Checkers;    // enemy pieces that give check
+  Bitboard RookReach;   // attacks of a rook on the king's square
+  Bitboard BishopReach; // attacks of a bishop there
 };
 
-// The pieces among candidates that stand alone between the square and a slider of straight (rooks, queens) or diagonal
-// (bishops, queens). rookReach and bishopReach are the attacks of a rook and a bishop on the square.
+// Blockers among candidates: each is the only piece between the square and a slider of straight (rooks, queens) or
+// diagonal (bishops, queens). rookReach and bishopReach are the attacks of a rook and a bishop on the square.
 inline Bitboard LoneBlockers(int square, Bitboard candidates, Bitboard rookReach, Bitboard bishopReach,
                              Bitboard straight, Bitboard diagonal) {
-  // With the candidates that are seen taken off, whatever comes into view behind them is a slider or does not matter.
+  // X-ray: without the first candidates on the rays, a slider that is attacked now and was not before stands behind
+  // exactly one.
   const Bitboard occupied = Occupied();
   Bitboard sliders = (RookAttacks(square, occupied & ~(rookReach & candidates)) & ~rookReach & straight) |
                      (BishopAttacks(square, occupied & ~(bishopReach & candidates)) & ~bishopReach & diagonal);
@@ -31,6 +32,7 @@ inline Bitboard LoneBlockers(int square, Bitboard candidates, Bitboard rookReach
   return found;
 }
 
+// The info of the side Us, about its own king.
 template <Side Us> inline CheckInfo FindCheckInfo() {
   constexpr Side them = Opposite(Us);
   CheckInfo info;
@@ -44,8 +46,8 @@ template <Side Us> inline CheckInfo FindCheckInfo() {
   return info;
 }
 
-// Where pieces other than the king may go: everywhere when there is no check, onto the checker or in front of it when
-// there is one, nowhere when there are two.
+// Where pieces other than the king may go: everywhere without a check; else to capture the checker or interpose, and
+// nowhere in double check. En passant is apart: EnPassantCapturers tests each capture.
 inline Bitboard EvasionTargets(const CheckInfo &info) {
   if (info.Checkers == 0)
     return kAllSquares;
@@ -70,11 +72,11 @@ template <Side Us> inline Bitboard KingSteps(int king, Bitboard wanted) {
   wanted &= KingAttacks[king];
   if (wanted == 0)
     return 0;
-  // Take out the squares that pawns and the enemy king attack in bulk, and test the rest one by one for the other
-  // pieces, without a branch that could be mispredicted.
+  // First remove, in bulk, own squares and those that enemy pawns and king attack. Then test the rest one by one,
+  // without a branch that could be mispredicted.
   const Bitboard guarded =
       PawnCaptures<them>(Pieces(them, kPawn)) | KingAttacks[FindKingSquare(them)] | Position.BySide[Us] | Pieces(kKing);
-  const Bitboard occupied = Occupied() & ~Bit(king); // a king in check is not safe behind itself
+  const Bitboard occupied = Occupied() & ~Bit(king); // the king must not shield squares behind it
   const Bitboard knights = Pieces(them, kKnight);
   const Bitboard straight = Pieces(them, kRook, kQueen);
   const Bitboard diagonal = Pieces(them, kBishop, kQueen);
@@ -88,8 +90,8 @@ template <Side Us> inline Bitboard KingSteps(int king, Bitboard wanted) {
   return steps;
 }
 
-// True when the king of Us, which has not moved and is not in check, may castle with the rook of a corner. steps are
-// its legal steps: they tell whether the square that it passes is safe.
+// True when the king of Us may castle with the rook of a corner, given that it has not moved and is not in check.
+// between has to be empty; the king crosses passed, which its legal steps tell to be safe, and lands on target.
 template <Side Us> inline bool MayCastleWith(int corner, Bitboard between, int passed, int target, Bitboard steps) {
   return (Occupied() & between) == 0 && Contains(steps, passed) &&
          (Position.MovedFlags & RookCornerFlag(Us, corner)) == 0 && PieceOn(corner) == MakePiece(Us, kRook) &&
@@ -108,7 +110,7 @@ template <Side Us> inline Bitboard CastlingTargets(const CheckInfo &info, Bitboa
          (MayCastleWith<Us>(home - 4, queenSide, home - 1, home - 2, steps) ? Bit(home - 2) : 0);
 }
 
-// The own pawns that can legally take en passant.
+// The own pawns that can legally take en passant; tested one by one, as both pawns leave the row of the king.
 template <Side Us> inline Bitboard EnPassantCapturers() {
   const int target = Position.EnPassantSquare;
   Bitboard capturers = 0;
@@ -120,26 +122,25 @@ template <Side Us> inline Bitboard EnPassantCapturers() {
   return capturers;
 }
 
-// Moves as sets of to-squares by from-square. Only the entries of the squares in Froms hold anything: the others are
-// never cleared.
+// Moves as sets of to-squares by from-square. The targets of squares that are not in Froms are not initialised.
 struct MoveSets {
   Bitboard Froms;
   Array<Bitboard, kSquares> Targets;
 };
 
-// Sets the moves of a from-square that has none yet.
+// Sets the moves of a from-square that is not in Froms; with no targets it stays out.
 inline void SetTargets(MoveSets &moves, int from, Bitboard targets) {
   moves.Targets[from] = targets;
   moves.Froms |= static_cast<Bitboard>(targets != 0) << from;
 }
 
-// Adds moves of a from-square that may have some already.
+// Adds moves of a from-square that may be in Froms.
 inline void AddTargets(MoveSets &moves, int from, Bitboard targets) {
   const Bitboard known = Contains(moves.Froms, from) ? moves.Targets[from] : 0;
   SetTargets(moves, from, known | targets);
 }
 
-// Takes out the moves of a square of Froms to other squares than those given.
+// Keeps, of the moves of a square in Froms, those to the squares given.
 inline void RestrictTargets(MoveSets &moves, int from, Bitboard squares) {
   Bitboard &targets = moves.Targets[from];
   targets &= squares;
@@ -154,8 +155,10 @@ struct PieceSquares {
   Bitboard Queen;
 };
 
-// Restricts pinned pieces to their pin lines. Most positions have no move of a piece that stands on a line with its
-// king, and then the pins need not be known.
+inline PieceSquares SameForAll(Bitboard squares) { return {squares, squares, squares, squares}; }
+
+// Restricts pinned pieces to their pin lines. When no mover is seen from its king, as is usual for lists of captures,
+// the pins need not be found.
 template <Side Us> inline void RestrictPinned(MoveSets &moves, const CheckInfo &info) {
   if ((moves.Froms & (info.RookReach | info.BishopReach)) == 0)
     return;
@@ -164,8 +167,6 @@ template <Side Us> inline void RestrictPinned(MoveSets &moves, const CheckInfo &
     RestrictTargets(moves, from, LineThrough[info.King][from]);
   }
 }
-
-inline PieceSquares SameForAll(Bitboard squares) { return {squares, squares, squares, squares}; }
 
 // Adds the moves of rooks, knights, bishops and queens to the squares given, pins not considered.
 template <Side Us> inline void GeneratePieceMoves(MoveSets &moves, const PieceSquares &squares) {
@@ -223,7 +224,7 @@ template <Side Us> inline void GenerateLegalMoves(MoveSets &moves, const CheckIn
 
 // True when Us has a legal move.
 template <Side Us> inline bool HasLegalMoveOf(const CheckInfo &info) {
-  // Nearly always a pawn push answers this: a pawn on no line with its king is not pinned.
+  // Nearly always a pawn push answers this: a pawn that is not seen from its king cannot be pinned.
   const Bitboard unseen = Pieces(Us, kPawn) & ~(info.RookReach | info.BishopReach);
   if (info.Checkers == 0 && SinglePushes<Us>(unseen) != 0)
     return true;
@@ -232,7 +233,7 @@ template <Side Us> inline bool HasLegalMoveOf(const CheckInfo &info) {
   return moves.Froms != 0;
 }
 
-// The same for a side known only at run time, where nothing is hot.
+// For callers off the hot path, which know the side at run time.
 void GenerateLegalMoves(MoveSets &moves, Side side);
 bool HasLegalMove(Side side);
 

@@ -1,7 +1,6 @@
-// The magic numbers of the slider attacks. Multiplied by its square's number, the occupied inner squares of a slider's
-// lines come to the top of the word such that occupations with different attacks differ there in the n highest bits, n
-// being how many inner squares there are. Found by trying random numbers with few bits set; any that keep the
-// attacks apart would do.
+// Magic numbers for sliders: the occupied squares of a mask, times the square's magic number, have an index in their
+// top bits, as many as the mask has squares. Occupancies that share an index have the same attacks. They were found by
+// random search; any that hold give the same engine. With PEXT they are not used.
 #pragma once
 
 #include "board/array.h"

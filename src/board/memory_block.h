@@ -1,4 +1,5 @@
-// The numbered heap blocks of the process, with bounds-tested access.
+// The two heap blocks of the process, with bounds-tested access. Their numbers are what the message of a failed test
+// calls them.
 #pragma once
 
 #include "board/array.h"
@@ -15,16 +16,16 @@ struct MemoryBlock {
   std::size_t Length;
 };
 
-// The two blocks; read them through BlockOf. Written by AllocateBlock alone.
+// Without memory, and of length 0, until AllocateBlock. Read them through BlockOf.
 extern Array<MemoryBlock, 2> MemoryBlocks;
 
 inline const MemoryBlock &BlockOf(MemoryBlockNumber number) { return MemoryBlocks[number - kTranspositionBlock]; }
 
-// Gives the block length zero bytes at an address that is a multiple of 64, in place of what it had; 0 bytes leave it
+// Gives the block length zero bytes at an address that is a multiple of 64, having freed what it had; 0 leaves it
 // without memory. When there is no memory the process ends with exit code 2 and no message.
 void AllocateBlock(MemoryBlockNumber number, std::size_t length);
 
-// Says which access went wrong and ends the process with exit code 2.
+// Prints block, offset and width of an access to standard error and ends the process with exit code 2.
 [[noreturn]] void FailMemoryBounds(MemoryBlockNumber number, std::size_t offset, std::size_t width);
 
 // The record of type T at offset bytes into the block, a multiple of T's alignment; blocks begin at a cache line. Ends

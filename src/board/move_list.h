@@ -1,13 +1,15 @@
 // Lists of moves with scores, of fixed capacity.
 #pragma once
 
+#include <cstdint>
+
 #include "board/array.h"
 #include "board/types.h"
 
 namespace zorvane {
 
 struct ScoredMove {
-  std::int32_t Score;
+  std::int32_t Score; // higher is searched earlier; no unit
   PackedMove Move;
 };
 

@@ -4,6 +4,7 @@
 #include <cassert>
 #include <cstring>
 
+#include "board/position.h"
 #include "board/position_key.h"
 #include "board/rules.h"
 
@@ -62,7 +63,7 @@ bool ApplyUciMove(const char *text) {
     PutPiece(to, MakePiece(SideToMove, promotion));
   }
   assert(PositionIsOk());
-  PassTurn();
+  EndTurn();
   PushGameHistory();
   return true;
 }

@@ -1,8 +1,8 @@
-// Moves as text, and the one way in which a move of the game is made.
+// Moves as text, and ApplyUciMove, the only way in which a move of the game is made; a search uses MakeMove.
 #pragma once
 
 #include "board/bounded_string.h"
-#include "board/position.h"
+#include "board/types.h"
 
 namespace zorvane {
 
@@ -10,14 +10,15 @@ namespace zorvane {
 // to move, GamePly and the game history follow. False, with nothing changed, when the text is no legal move.
 bool ApplyUciMove(const char *text);
 
-// Plays the moves of a list, separated by blanks, up to the first that is refused. False when there was one. The text
-// is cut in the course of it.
+// Plays moves separated by blanks. False at the first that is refused: those before it stay played. Writes terminators
+// over the blanks.
 bool ApplyMoveList(char *moves);
 
-// Coordinate notation; "q" follows for a pawn that reaches the last row.
+// Coordinate notation of the move of a piece; "q" follows for a pawn that reaches the last row.
 void MoveText(BoundedString &out, Piece piece, int from, int to);
 
-// The digits of from file, from row, to file, to row and promotion, 5 for a pawn that reaches the last row, else 0.
+// The move as digits: from file, from row, to file, to row with row 0 the eighth rank, and 5 for a pawn that reaches
+// the last row, else 0.
 void MoveIdTextForPiece(BoundedString &out, Piece piece, int from, int to);
 
 } // namespace zorvane

@@ -12,7 +12,7 @@ constexpr Array<int, kPieceTypes + 1> kPieceValues{0, 100, 500, 320, 330, 900, 1
 
 constexpr int PieceValue(Piece piece) { return kPieceValues[TypeOf(piece)]; }
 
-// Placement, in centipawns; a factor counts for each point of centrality or each rank.
+// Placement in centipawns, per rank or per point of centrality as the names say.
 constexpr int kPawnPerRank = 5;
 constexpr int kPawnPerCentrality = 2;
 constexpr int kPawnCentralityRank = 3; // from this relative rank on, the rank's centrality counts as well
@@ -36,7 +36,7 @@ constexpr int MaterialValue(PieceType type) { return type == kPawn || type == kK
 
 // The value of a pawn, rook, knight, bishop or queen of side with what its square adds, positive for either side; 0 for
 // kings, whose terms depend on the phase throughout.
-constexpr int PlacementTerm(Side side, PieceType type, int square) {
+constexpr int PieceSquareTerm(Side side, PieceType type, int square) {
   const int rank = RelativeRank(side, square);
   const int fileCentrality = FileCentrality(square);
   const int rankCentrality = RankCentrality(square);

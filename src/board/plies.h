@@ -1,12 +1,13 @@
-// How far the search goes, and so how large everything is that is kept by ply.
+// How deep a search goes, and the sizes of everything that is indexed by ply.
 #pragma once
 
 namespace zorvane {
 
-constexpr int kDepthLimit = 8;               // iterations; full width is the root, ply 0, and the levels, plies 1 to 7
-constexpr int kLastPly = 11;                 // quiescence ends every line here
-constexpr int kSearchPlies = kDepthLimit;    // plies that have move lists, killers and a line of their own
-constexpr int kUndoSlots = kLastPly + 2;     // snapshots, by ply
-constexpr int kFinalPvLength = kLastPly + 1; // entries that hosts are shown; no line is longer than kSearchPlies
+constexpr int kDepthLimit = 8; // the deepest iteration: full width covers the root, ply 0, and the levels, plies 1 to 7
+constexpr int kLastPly = 11;   // no line goes deeper: here quiescence returns the static evaluation
+
+constexpr int kSearchPlies = kDepthLimit;    // plies that have move lists, killers and a best line of their own
+constexpr int kUndoSlots = kLastPly + 2;     // snapshots by ply, with two to spare: a search uses 0 to 10
+constexpr int kFinalPvLength = kLastPly + 1; // a response has a row for each ply; full width fills eight at most
 
 } // namespace zorvane

@@ -60,7 +60,7 @@ void StartGame(const BoardState &state, Side side, std::int64_t ply) {
   GamePly = ply;
 }
 
-void PassTurn() {
+void EndTurn() {
   SideToMove = Opposite(SideToMove);
   ++GamePly;
 }

@@ -11,8 +11,8 @@
 
 namespace zorvane {
 
-// Castling rights already lost; a rook's bit is set when that corner's rook moved or was captured. A FEN without a
-// right has the rook's bit, and with neither right of a side its king's as well.
+// Castling rights already lost. A rook's bit is set when the rook of that corner moved or was captured; LoadFen sets it
+// for each right that is missing, and the king's bit when a side has neither right.
 enum MovedFlag : std::uint8_t {
   kWhiteKingMoved = 1,
   kBlackKingMoved = 2,
@@ -22,13 +22,14 @@ enum MovedFlag : std::uint8_t {
   kBlackRookHMoved = 32
 };
 
-// All that a move changes. MakeMove keeps every field in step; a snapshot is one copy of 160 bytes.
+// All that making a move changes; the side to move and the game history are not among it. A snapshot is one copy of 160
+// bytes, in whole vector registers by the alignment.
 struct alignas(32) BoardState {
   Array<Bitboard, 2> BySide;
   Array<Bitboard, kPieceTypes> ByType; // both sides, at PieceType - 1
-  Array<Piece, kSquares> Board;
-  SquareTerm Sum;             // of the terms of all pieces, the hash not reduced
-  std::int32_t HalfmoveClock; // half-moves since the last capture or pawn move
+  Array<Piece, kSquares> Board;        // by square
+  SquareTerm Sum;                      // of the terms of all pieces; BoardHash reduces the hash
+  std::int32_t HalfmoveClock;          // half-moves since the last capture or pawn move
   std::uint8_t MovedFlags;
   std::uint8_t EnPassantSquare; // where a capturing pawn lands, kNoSquare for none
 };
@@ -36,10 +37,10 @@ struct alignas(32) BoardState {
 // The one position of the process. Besides this module only MakeMove changes it.
 extern BoardState Position;
 
-// Of the game's position. They do not follow a search, which hands the side down as an argument: throughout a search
-// SideToMove is the side that it is for.
+// Of the game. A search leaves both as they are and hands the side to move down as an argument, so that during a search
+// SideToMove is the root's side.
 extern Side SideToMove;
-extern std::int64_t GamePly; // half-moves since the initial position; a FEN's move number says how many came before
+extern std::int64_t GamePly; // half-moves since the game began; after LoadFen by the FEN's move number
 
 // Snapshots by ply. SaveState writes them.
 extern Array<BoardState, kUndoSlots> UndoStack;
@@ -57,8 +58,9 @@ inline Bitboard Pieces(Side side, PieceType first, PieceType second) {
 // The polynomial hash of all squares, below 2^31 - 1.
 inline std::uint32_t BoardHash() { return ReduceHash(kEmptyBoardHash + Position.Sum.Hash); }
 
-// The sum of PlacementTerm, White's minus Black's, and that of MaterialValue, both sides'.
-inline int PlacementScore() { return UnpackPlacement(Position.Sum.Scores); }
+// The sum of PieceSquareTerm, White's minus Black's; and that of MaterialValue, which leaves pawns and kings out, of
+// both sides together.
+inline int PieceSquareScore() { return UnpackPieceSquare(Position.Sum.Scores); }
 inline int MaterialSum() { return UnpackMaterial(Position.Sum.Scores); }
 
 // Puts a piece on an empty square, or takes one off; sums and sets follow.
@@ -75,10 +77,10 @@ inline void RestoreState(int ply) { SetPosition(UndoStack[ply]); }
 // True when the board, its sets by side and type, the sums and the kings agree. Slow; for assertions.
 bool PositionIsOk();
 
-// Begins a game, or sets a position up, at that ply of the game.
+// Puts a position on the board, with its side to move and ply of the game. LoadFen begins with an empty board.
 void StartGame(const BoardState &state, Side side, std::int64_t ply);
 
-// The other side is to move, one half-move later in the game.
-void PassTurn();
+// After a move of the game: the other side is to move, one half-move later.
+void EndTurn();
 
 } // namespace zorvane

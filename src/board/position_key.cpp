@@ -9,14 +9,14 @@ int GameHistoryCount;
 
 namespace {
 
-// The positions of the game by a hash of their boards: the latest of each bucket, then back from one to the next.
+// The positions of the game in hash chains: a bucket names its latest position, each position the one before it.
 constexpr unsigned kBucketBits = 12;
 constexpr std::int16_t kEndOfBucket = -1;
 
 struct GamePosition {
   PositionKey Key;
-  std::uint64_t BoardSum;
-  std::int16_t Next;
+  std::uint64_t BoardSum; // the board hash, not reduced
+  std::int16_t Previous;  // of the bucket, kEndOfBucket for none
 };
 
 Array<GamePosition, kGameHistoryLimit> GameHistory;
@@ -37,7 +37,7 @@ int EffectiveEnPassantSquare(Side side) {
 
 int CountInGame(const PositionKey &key) {
   int count = 0;
-  for (int i = BucketOf(Position.Sum.Hash); i != kEndOfBucket; i = GameHistory[i].Next) {
+  for (int i = BucketOf(Position.Sum.Hash); i != kEndOfBucket; i = GameHistory[i].Previous) {
     const GamePosition &position = GameHistory[i];
     if (position.BoardSum == Position.Sum.Hash && position.Key == key)
       ++count;
@@ -50,6 +50,7 @@ PositionKey KeyAtPly(int ply, Side side) {
   const BoardState &state = UndoStack[ply];
   if (state.EnPassantSquare == kNoSquare)
     return MakePositionKey(state, side, kNoSquare);
+  // Whether a pawn could really capture has to be asked on the board.
   const BoardState current = Position;
   SetPosition(state);
   const PositionKey key = BuildPositionKey(side);

@@ -17,7 +17,7 @@ struct PositionKey {
   }
 };
 
-// The key of a state with an en-passant square of the caller's choice.
+// The key of a state, with kNoSquare where its en-passant square shall not make a difference.
 inline PositionKey MakePositionKey(const BoardState &state, Side side, int enPassantSquare) {
   const auto of = [&state](PieceType type) { return state.ByType[type - 1]; };
   return {{of(kPawn) | of(kKnight) | of(kQueen), of(kRook) | of(kKnight) | of(kKing),
@@ -30,25 +30,25 @@ inline PositionKey MakePositionKey(const BoardState &state, Side side, int enPas
 // can really capture there, so a double step that nothing can take leaves no trace.
 PositionKey BuildPositionKey(Side side);
 
-constexpr int kGameHistoryLimit = 1001;
+constexpr int kGameHistoryLimit = 1001; // the initial position and a thousand moves
 
-// Positions of the game, from the loaded one on; 0 to 1001. Written by StartGameHistory and PushGameHistory.
+// How many positions of the game are known, 1 to kGameHistoryLimit from the first LoadFen on.
 extern int GameHistoryCount;
 
 // Makes the current position the only one of the game. The last step of every LoadFen.
 void StartGameHistory();
 
-// Adds the current position; when the history is full nothing happens.
+// Adds the current position. A full history takes no more: repetitions of later positions go unseen.
 void PushGameHistory();
 
 // A position recurs after four half-moves at the soonest, and only while nothing is captured and no pawn moves.
 constexpr int kShortestCycle = 4;
 
-// CountRepetitions without its early exit on the halfmove clock.
+// How often the current position, with side to move, occurred before: in the game, and on the search line at plies 1 to
+// ply - 1, which UndoStack holds.
 int CountEqualPositions(Side side, int ply);
 
-// How often the current position, with side to move, stands in the game and on the search line above ply, which is in
-// UndoStack from ply 1 on. Where the halfmove clock says that it cannot be as often as atLeast, the answer may be 0.
+// The same, but it may answer 0 where the halfmove clock rules out atLeast occurrences.
 inline int CountRepetitions(Side side, int ply, int atLeast) {
   return Position.HalfmoveClock < atLeast * kShortestCycle ? 0 : CountEqualPositions(side, ply);
 }

@@ -9,7 +9,7 @@ template <Side Us> Bitboard PushTargets(int from) {
   return single | DoublePushes<Us>(single);
 }
 
-// The square beside the capturing pawn, whose pawn an en-passant capture takes.
+// The square of the pawn that is captured en passant.
 int EnPassantVictim(int from, int to) { return MakeSquare(FileOf(to), RowOf(from)); }
 
 bool IsPseudoLegalPawnMove(int from, int to) {
@@ -26,7 +26,7 @@ bool IsPseudoLegalPawnMove(int from, int to) {
 // The occupied squares after a move, castling's rook included. removed is what the move takes.
 Bitboard OccupiedAfter(int from, int to, Bitboard removed) {
   Bitboard occupied = (Occupied() & ~Bit(from) & ~removed) | Bit(to);
-  if (TypeOf(PieceOn(from)) == kKing && Absolute(FileOf(to) - FileOf(from)) == 2)
+  if (TypeOf(PieceOn(from)) == kKing && Absolute(to - from) == kCastlingStep)
     occupied = (occupied & ~Bit(to > from ? from + 3 : from - 4)) | Bit((from + to) / 2);
   return occupied;
 }
@@ -115,7 +115,7 @@ template <Side Us> void FinishSpecialMove(PieceType type, int from, int to) {
   if (type == kKing) {
     RemovePiece(to > from ? from + 3 : from - 4);
     PutPiece((from + to) / 2, MakePiece(Us, kRook));
-  } else if (Absolute(to - from) == 16) {
+  } else if (Absolute(to - from) == kDoubleStep) {
     Position.EnPassantSquare = static_cast<std::uint8_t>((from + to) / 2);
   } else if (Contains(kLastRows, to)) {
     RemovePiece(to);

@@ -15,9 +15,6 @@ namespace zorvane {
 // attacks its two capture squares.
 Bitboard PieceAttacks(int from);
 
-// True when the piece on from attacks the square to.
-inline bool PieceAttacksSquare(int from, int to) { return Contains(PieceAttacks(from), to); }
-
 // All pieces of either side that attack the square, with sliders blocked by the occupied squares given.
 Bitboard AttackersTo(int square, Bitboard occupied);
 
@@ -46,7 +43,7 @@ inline bool IsLegalMoveOf(Side side, PackedMove move) {
   return Contains(Position.BySide[side], FromOf(move)) && IsLegalMove(FromOf(move), ToOf(move));
 }
 
-// True when the pawn's move to the square takes en passant: the square is empty and the target, one file aside.
+// True when the pseudo-legal move takes en passant.
 inline bool IsEnPassantMove(int from, int to) {
   return to == Position.EnPassantSquare && TypeOf(PieceOn(from)) == kPawn && PieceOn(to) == kNoPiece &&
          Absolute(FileOf(to) - FileOf(from)) == 1;
@@ -59,7 +56,7 @@ inline Bitboard EnPassantCandidates(Side side) {
   return target == kNoSquare ? 0 : PawnAttacks[Opposite(side)][target] & Pieces(side, kPawn);
 }
 
-// True when the move takes something, en passant included.
+// True when the pseudo-legal move takes something, en passant included.
 inline bool IsCaptureMove(int from, int to) {
   const Piece target = PieceOn(to);
   return target != kNoPiece ? SideOf(target) != SideOf(PieceOn(from)) : IsEnPassantMove(from, to);
@@ -72,7 +69,8 @@ template <Side Us> inline Bitboard DoublePushes(Bitboard singlePushes) {
   return ShiftForward<Us>(singlePushes & firstStep) & ~Occupied();
 }
 
-// The moved flag that a rook of side sets by leaving square or by being taken there; 0 off its two corners.
+// The moved flag that a rook of side sets by leaving square or by being captured there; 0 for squares other than its
+// two corners.
 constexpr std::uint8_t RookCornerFlag(Side side, int square) {
   const int corner = side == kWhite ? MakeSquare(0, 7) : MakeSquare(0, 0);
   if (square == corner)
@@ -89,11 +87,10 @@ void MakeMove(int from, int to);
 // MakeMove for a caller that knows the mover's side.
 template <Side Us> void MakeMoveOf(int from, int to);
 
-// True when the legal move gives check. Makes it and takes it back through the UndoStack slot of ply.
+// True when the legal move gives check. Makes it and takes it back; overwrites the UndoStack slot of ply.
 bool MoveGivesCheck(int ply, int from, int to);
 
-// The castling rights that are lost when a piece leaves a square or is captured there: a rook's by its corner, a king's
-// wherever it stands.
+// The moved flags to set when a piece leaves a square or is captured there: a rook's at its corner, a king's anywhere.
 using MovedFlagTable = Array<Array<std::uint8_t, kSquares>, kPieceLimit>;
 
 constexpr MovedFlagTable MakeMovedFlagTable() {
@@ -108,6 +105,10 @@ constexpr MovedFlagTable MakeMovedFlagTable() {
 }
 
 inline constexpr MovedFlagTable kMovedFlagsBy = MakeMovedFlagTable();
+
+// How far apart the squares of a pawn's double step and of a castling king's move are.
+constexpr int kDoubleStep = 16;
+constexpr int kCastlingStep = 2;
 
 // What a double step, en passant, promotion or castling does beyond moving one piece.
 template <Side Us> void FinishSpecialMove(PieceType type, int from, int to);
@@ -141,8 +142,9 @@ template <Side Us> inline void MakeMoveOf(int from, int to) {
   const bool onTarget = to == state.EnPassantSquare && captured == kNoPiece;
   state.EnPassantSquare = kNoSquare;
   const int span = Absolute(to - from);
-  // One branch that is hardly ever taken.
-  if (((type == kPawn) & ((span == 16) | onTarget | Contains(kLastRows, to))) | ((type == kKing) & (span == 2)))
+  // No short circuits, so that there is one branch, which is rarely taken.
+  if (((type == kPawn) & ((span == kDoubleStep) | onTarget | Contains(kLastRows, to))) |
+      ((type == kKing) & (span == kCastlingStep)))
     FinishSpecialMove<Us>(type, from, to);
 }
 

@@ -1,4 +1,5 @@
-// What a piece on a square adds to the sums that MakeMove keeps up to date: board hash, material and placement.
+// What a piece on a square adds to the sums that MakeMove keeps up to date: board hash, material and
+// piece-square terms.
 #pragma once
 
 #include "board/array.h"
@@ -7,23 +8,24 @@
 
 namespace zorvane {
 
-// The board hash is h = (h * 131 + code + 1) modulo kHashModulus over the squares in order, so each piece adds
-// code * 131^(63 - square) to it wherever the others stand.
+// The slot of the transposition table follows from this hash, and which positions share a slot steers the search: it
+// must stay as it is. h = (h * 131 + code + 1) modulo kHashModulus over the squares in order, so each piece adds code *
+// 131^(63 - square) to it wherever the others stand.
 constexpr std::uint64_t kHashModulus = 2147483647;
 constexpr std::uint64_t kHashFactor = 131;
 
-// Side by side, so that one instruction adds both.
+// Side by side, so that one vector instruction adds both.
 struct SquareTerm {
   std::uint64_t Hash;   // below kHashModulus
-  std::uint64_t Scores; // a PackScores
+  std::uint64_t Scores; // made by PackScores
 };
 
-// Two sums in one word: material in the upper half; in the lower half placement, negative for Black, so it may borrow
-// from the upper. Such words are added and subtracted as they are.
-constexpr std::uint64_t PackScores(int material, int placement) {
-  return (static_cast<std::uint64_t>(material) << 32) + static_cast<std::uint64_t>(placement);
+// Two sums in one word, added and subtracted as it is: material above, piece-square terms below. A negative
+// lower half borrows 1 from the upper one, which UnpackMaterial gives back.
+constexpr std::uint64_t PackScores(int material, int pieceSquare) {
+  return (static_cast<std::uint64_t>(material) << 32) + static_cast<std::uint64_t>(pieceSquare);
 }
-constexpr int UnpackPlacement(std::uint64_t scores) {
+constexpr int UnpackPieceSquare(std::uint64_t scores) {
   return static_cast<std::int32_t>(static_cast<std::uint32_t>(scores));
 }
 constexpr int UnpackMaterial(std::uint64_t scores) { return static_cast<int>((scores + (1U << 31)) >> 32); }
@@ -40,7 +42,7 @@ constexpr SquareTermTable MakeSquareTerms() {
         const Piece piece = MakePiece(side, type);
         SquareTerm &term = table[piece][square];
         term.Hash = static_cast<std::uint64_t>(PieceCode(piece)) * power % kHashModulus;
-        term.Scores = PackScores(MaterialValue(type), PlacementTerm(side, type, square) * (side == kWhite ? 1 : -1));
+        term.Scores = PackScores(MaterialValue(type), PieceSquareTerm(side, type, square) * (side == kWhite ? 1 : -1));
       }
     }
     power = power * kHashFactor % kHashModulus;

@@ -13,17 +13,18 @@ namespace zorvane {
 
 namespace {
 
-// Each king is worth this. The two cancel, but not before they have rounded partial sums that hold fractions.
+// Each king's value, centipawns. The two cancel, but adding so much to a sum that holds fractions rounds its last bits
+// away on the way, and those decide the last centipawn.
 constexpr double kKingConstant = 20000;
 
-// The whole term of the piece of Us on square, unsigned for colour.
+// The whole term of the piece of Us on square, from its own side's view.
 template <Side Us> double TermOn(const PawnStructure &pawns, const Phase &phase, int square) {
   const PieceType type = TypeOf(PieceOn(square));
   if (type == kPawn)
     return PawnTerm(pawns, phase, square);
   if (type == kKing)
     return kKingConstant + KingPlacementTerm<Us>(phase) - KingAttackPenalty<Us>(phase);
-  return PlacementTerm(Us, type, square) + PieceTerms<Us>(pawns, phase, Bit(square));
+  return PieceSquareTerm(Us, type, square) + PieceTerms<Us>(pawns, phase, Bit(square));
 }
 
 // The exact sum for positions whose doubled pawns have fractional terms. Doubles round, and the total is truncated: the
@@ -51,14 +52,14 @@ int Evaluate(ScoreRange range) {
   if (pawns.IsFractional) [[unlikely]]
     return SumInScanOrder(pawns, phase);
 
-  // Terms that are cheap. The rest have bounds: nine evaluations of ten end at one.
-  int score = PlacementScore() + pawns.Score + PieceTerms<kWhite>(pawns, phase, kAllSquares) -
+  // Cheap terms first. The rest are bounded, and nine evaluations of ten return at a bound.
+  int score = PieceSquareScore() + pawns.Score + PieceTerms<kWhite>(pawns, phase, kAllSquares) -
               PieceTerms<kBlack>(pawns, phase, kAllSquares) + BishopPairTerm<kWhite>() - BishopPairTerm<kBlack>() +
               MatingDrive();
-  const int mostLowering = HighestAttackPenalty<kWhite>(phase);
-  const int mostLifting = HighestAttackPenalty<kBlack>(phase);
-  const int highest = score + pawns.HighestPhaseTerms + kKingPlacementSpread + mostLifting;
-  const int lowest = score + pawns.LowestPhaseTerms - kKingPlacementSpread - mostLowering;
+  const int highestWhiteKingPenalty = HighestAttackPenalty<kWhite>(phase);
+  const int highestBlackKingPenalty = HighestAttackPenalty<kBlack>(phase);
+  const int highest = score + pawns.HighestPhaseTerms + kKingPlacementSpread + highestBlackKingPenalty;
+  const int lowest = score + pawns.LowestPhaseTerms - kKingPlacementSpread - highestWhiteKingPenalty;
   if (highest <= range.Floor)
     return highest;
   if (lowest >= range.Ceiling)
@@ -66,16 +67,16 @@ int Evaluate(ScoreRange range) {
 
   // Passed pawns and the kings' places, which need the phase.
   score += PawnPhaseScore(pawns, phase) + KingPlacementTerm<kWhite>(phase) - KingPlacementTerm<kBlack>(phase);
-  if (score + mostLifting <= range.Floor)
-    return score + mostLifting;
-  if (score - mostLowering >= range.Ceiling)
-    return score - mostLowering;
+  if (score + highestBlackKingPenalty <= range.Floor)
+    return score + highestBlackKingPenalty;
+  if (score - highestWhiteKingPenalty >= range.Ceiling)
+    return score - highestWhiteKingPenalty;
 
-  // King attacks, the costliest. The attack on White's king only lowers the score, that on Black's only lifts it: at or
-  // beyond an end of the range the one attack that leads back decides whether the other one matters.
+  // King attacks, the costliest. The attack on White's king only lowers the score, that on Black's only raises it:
+  // beyond an end of the range the one that could bring the score back comes first, and mostly shows that it does not.
   if (score <= range.Floor) {
-    const int lifted = score + KingAttackPenalty<kBlack>(phase);
-    return lifted <= range.Floor ? lifted : lifted - KingAttackPenalty<kWhite>(phase);
+    const int raised = score + KingAttackPenalty<kBlack>(phase);
+    return raised <= range.Floor ? raised : raised - KingAttackPenalty<kWhite>(phase);
   }
   const int lowered = score - KingAttackPenalty<kWhite>(phase);
   return lowered >= range.Ceiling ? lowered : lowered + KingAttackPenalty<kBlack>(phase);

@@ -5,8 +5,8 @@
 
 namespace zorvane {
 
-// The evaluation of the current position; changes nothing. With a range it is lazy: exact inside, and outside any score
-// on the same side, for which terms that cannot bring the score back into the range are left out.
+// The evaluation of the current position; changes nothing but the pawn cache. With a range it is lazy: exact inside;
+// outside any score on that side, for which terms that cannot bring the score back into the range are left out.
 int Evaluate(ScoreRange range = kAllScores);
 
 } // namespace zorvane

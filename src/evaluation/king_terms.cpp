@@ -4,20 +4,28 @@
 
 #include "board/array.h"
 #include "board/piece_values.h"
+#include "board/rules.h"
 
 namespace zorvane {
 
 namespace {
 
-constexpr int kShieldPawn = 12;
-constexpr int kCastledBonus = 35;
-constexpr int kRankPenalty = 12;    // in the middlegame, for each rank from the back rank
-constexpr int kFilePenalty = 3;     // and for each point of file centrality
-constexpr int kCentralityBonus = 5; // in the endgame
-constexpr int kFullShield = 3;
-constexpr int kCountedZoneSquares = 3;
+// Middlegame placement, centipawns.
+constexpr int kShieldPawn = 12;   // for each pawn of the shield
+constexpr int kCastledBonus = 35; // for the back rank's c and g squares
+constexpr int kRankPenalty = 12;  // for each rank from the back rank
+constexpr int kFilePenalty = 3;   // for each point of file centrality
 
-// The weight of each zone square that a piece attacks, of which three count, by PieceType.
+// Endgame placement, centipawns for each point of centrality.
+constexpr int kCentralityBonus = 5;
+
+// The attack on a king, in points that make centipawns at full phase.
+constexpr int kFullShield = 3;         // pawns that take the linear part of an attack away
+constexpr int kCountedZoneSquares = 3; // at most this many zone squares count for an attacker
+constexpr int kFewestAttackers = 2;    // a lone attacker is no attack
+constexpr int kSquaredDivisor = 4;     // of the square of the points
+
+// The weight of a zone square that a piece attacks, by PieceType.
 constexpr Array<int, kPieceTypes + 1> kAttackWeights{0, 1, 3, 2, 2, 5, 1};
 
 // What a king's square gives it, and where its shield and its attackers are looked for.
@@ -25,7 +33,7 @@ struct KingSquare {
   std::int16_t Middlegame;
   std::int16_t Endgame;
   Bitboard Shield;         // where pawns shield it
-  Array<Bitboard, 2> Zone; // where attackers count: with a shield, without
+  Array<Bitboard, 2> Zone; // where attackers count: 0 with a shield pawn, 1 without, which is a row more
 };
 
 constexpr Bitboard WithNeighbours(int square) { return Bit(square) | ShiftWest(Bit(square)) | ShiftEast(Bit(square)); }
@@ -35,12 +43,12 @@ template <Side Us> constexpr KingSquare MakeKingSquare(int square) {
   const bool castled = rank == 0 && (FileOf(square) == 2 || FileOf(square) == 6);
   const Bitboard row = WithNeighbours(square);
   const Bitboard first = ShiftForward<Us>(row);
-  const Bitboard near = ShiftBackward<Us>(row) | row | first | ShiftForward<Us>(first);
+  const Bitboard nearby = ShiftBackward<Us>(row) | row | first | ShiftForward<Us>(first);
   return {static_cast<std::int16_t>(-kRankPenalty * rank - kFilePenalty * FileCentrality(square) +
                                     (castled ? kCastledBonus : 0)),
           static_cast<std::int16_t>(kCentralityBonus * (FileCentrality(square) + RankCentrality(square))),
           first,
-          {near, near | ShiftForward<Us>(ShiftForward<Us>(first))}};
+          {nearby, nearby | ShiftForward<Us>(ShiftForward<Us>(first))}};
 }
 
 template <Side Us> constexpr Array<KingSquare, kSquares> MakeKingSquares() {
@@ -64,7 +72,7 @@ constexpr int KingPlacementSpread() {
 }
 static_assert(KingPlacementSpread() == kKingPlacementSpread);
 
-// Attackers and their weighted squares stand in one sum, the attackers in the upper half.
+// One sum holds both: the upper 16 bits the number of attackers, the lower ones their weighted squares.
 constexpr int kOneAttacker = 1 << 16;
 constexpr int kLargestZone = 15;
 
@@ -81,7 +89,7 @@ constexpr Array<Array<int, kLargestZone + 1>, kPieceTypes + 1> kZoneTerms = Make
 
 int ZoneTerm(PieceType type, Bitboard zoneSquares) { return kZoneTerms[type][PopCount(zoneSquares)]; }
 
-// A pawn attacks two squares at most, fewer than count, so all of a side's are counted at once.
+// A pawn attacks two squares at most, never more than count, so all pawns are counted at once.
 template <Side Attacker> int PawnZoneTerms(Bitboard zone) {
   const Bitboard pawns = Pieces(Attacker, kPawn);
   const Bitboard towardsA = ShiftWest(ShiftForward<Attacker>(pawns)) & zone;
@@ -121,10 +129,10 @@ template <Side Us> int KingAttackPenalty(const Phase &phase) {
   const KingSquare &place = KingSquareOf<Us>();
   const int shield = CountShield<Us>(place);
   const int sum = ZoneSum<Opposite(Us)>(place.Zone[shield > 0 ? 0 : 1]);
-  if (sum < 2 * kOneAttacker)
+  if (sum < kFewestAttackers * kOneAttacker)
     return 0;
   const int weighted = sum % kOneAttacker;
-  const int raw = (kFullShield - shield) * weighted + weighted * weighted / 4;
+  const int raw = (kFullShield - shield) * weighted + weighted * weighted / kSquaredDivisor;
   const int penalty = phase.GamePhase * std::min(raw, kHighestRawPenalty) / kFullPhase;
   return ScaleByQueen<Opposite(Us)>(penalty);
 }

@@ -8,11 +8,11 @@ namespace zorvane {
 
 namespace {
 
-constexpr int kPerMissingMove = 16;
-constexpr int kPerStepToEdge = 35;
-constexpr int kPerStepOfKings = 18;
-constexpr int kAllSteps = 8;
-constexpr int kFarthestFromEdge = 3;
+constexpr int kPerMissingMove = 16; // centipawns for each move that the bare king lacks of kMostKingMoves
+constexpr int kPerStepToEdge = 35;  // for each step that it is closer to the edge than the centre is
+constexpr int kPerStepOfKings = 18; // for each step that the kings are closer than from corner to corner
+constexpr int kMostKingMoves = 8;
+constexpr int kCentreFromEdge = 3;
 
 // The drive of Us against the bare king of the other side.
 template <Side Us> int DriveOf() {
@@ -23,7 +23,7 @@ template <Side Us> int DriveOf() {
   const int row = RowOf(bare);
   const int fromEdge = std::min({file, 7 - file, row, 7 - row});
   const int moves = PopCount(KingSteps<bareSide>(bare, kAllSquares));
-  return (kAllSteps - moves) * kPerMissingMove + (kFarthestFromEdge - fromEdge) * kPerStepToEdge +
+  return (kMostKingMoves - moves) * kPerMissingMove + (kCentreFromEdge - fromEdge) * kPerStepToEdge +
          (kFarthestApart - Distance(own, bare)) * kPerStepOfKings;
 }
 

@@ -1,7 +1,5 @@
 #include "evaluation/pawn_structure.h"
 
-#include <algorithm>
-
 #include "board/array.h"
 #include "board/memory_block.h"
 #include "board/piece_values.h"
@@ -16,12 +14,13 @@ bool PawnCacheEnabled = true;
 constexpr int kPawnCacheBits = 10;
 constexpr std::size_t kPawnCacheSlots = std::size_t{1} << kPawnCacheBits;
 
-constexpr int kDoubledPenalty = 12;
+// Centipawns.
+constexpr int kDoubledPenalty = 12; // for each pawn of a file beyond its first
 constexpr int kIsolatedPenalty = 15;
 constexpr int kPassedPerSquaredRank = 2;
 constexpr int kConnectedPassed = 8;
 constexpr int kProtectedPassed = 10;
-constexpr int kSupportedPerRank = 2; // on top of either
+constexpr int kSupportedPerRank = 2; // more for a connected passed pawn, and again for a protected one
 
 // The same four squares for both sides.
 constexpr Bitboard kCentralSquares = (FileMask(3) | FileMask(4)) & (RowMask(3) | RowMask(4));
@@ -54,11 +53,11 @@ template <Side Us> constexpr Bitboard PassedPawns(Bitboard pawns, Bitboard enemy
   return pawns & ~(stopped | Beside(stopped));
 }
 
-// A file's penalty, (n - 1) * 12, is spread evenly over its n pawns, which have (n - 1) * 12 / n each. Up to six pawns
-// fit a file of a game. For n of 1, 2, 3, 4, 6 that is a whole number and for 8 it is 10.5, exact in binary: the sum is
-// exact in any order. Fifths and sevenths are not exact.
+// The penalty of a file, (n - 1) * 12, is spread evenly over its n pawns: (n - 1) * 12 / n each. For n of 1, 2, 3, 4
+// and 6 that is a whole number, for 8 it is 10.5, which is exact in binary: the sum is the same in any order. Fifths
+// and sevenths are not exact. A game has up to six pawns on a file; seven can be loaded.
 constexpr bool IsFractionalCount(int pawnsOnFile) { return pawnsOnFile == 5 || pawnsOnFile == 7; }
-constexpr int kFewestFractional = 5;
+constexpr int kFewestFractional = 5; // so with fewer than four doubled pawns no file need be looked at
 
 bool HasFractionalFile(Bitboard pawns) {
   for (int file = 0; file < 8; ++file)
@@ -67,13 +66,13 @@ bool HasFractionalFile(Bitboard pawns) {
   return false;
 }
 
-// Fills in the fields about the pawns of Us and returns their terms beyond PlacementTerm.
+// Fills in the fields about the pawns of Us and returns their terms beyond PieceSquareTerm.
 template <Side Us> int AddSide(PawnStructure &structure) {
   const Bitboard pawns = structure.Pawns[Us];
   structure.Files[Us] = FillFiles(pawns);
   structure.Passed[Us] = PassedPawns<Us>(pawns, structure.Pawns[Opposite(Us)]);
   const Bitboard connected = ConnectedPawns<Us>(pawns);
-  const Bitboard backed = ProtectedPawns<Us>(pawns);
+  const Bitboard guarded = ProtectedPawns<Us>(pawns);
 
   const int doubled = PopCount(pawns) - PopCount(structure.Files[Us] & kRow0);
   int score = -kDoubledPenalty * doubled - kIsolatedPenalty * PopCount(pawns & ~Beside(structure.Files[Us]));
@@ -82,7 +81,7 @@ template <Side Us> int AddSide(PawnStructure &structure) {
     const int rank = RelativeRank(Us, square);
     score += kPassedPerSquaredRank * rank * rank;
     score += Contains(connected, square) ? kConnectedPassed + kSupportedPerRank * rank : 0;
-    score += Contains(backed, square) ? kProtectedPassed + kSupportedPerRank * rank : 0;
+    score += Contains(guarded, square) ? kProtectedPassed + kSupportedPerRank * rank : 0;
   }
   if (doubled >= kFewestFractional - 1)
     structure.IsFractional |= HasFractionalFile(pawns);
@@ -147,14 +146,15 @@ int PassedPhaseTerms(const PawnStructure &structure, const Phase &phase, Side si
   return score;
 }
 
-// Where the structure of the pawns belongs: a slot of the PawnCache, or with the cache off one that forgets.
+// Where the structure of the pawns belongs: a slot of the PawnCache, or with the cache off an entry that is emptied
+// each time.
 PawnStructure &SlotFor(Bitboard whitePawns, Bitboard blackPawns) {
   static PawnStructure uncached;
   if (!PawnCacheEnabled)
     return uncached = {};
   if (BlockOf(kPawnCacheBlock).Length == 0) [[unlikely]]
     AllocateBlock(kPawnCacheBlock, kPawnCacheSlots * sizeof(PawnStructure));
-  // Two odd factors spread the bits.
+  // Two odd factors spread the bits; what they are does not matter.
   const std::uint64_t hash = whitePawns * 0x9E3779B97F4A7C15U ^ blackPawns * 0xC2B2AE3D27D4EB4FU;
   return RecordAt<PawnStructure>(kPawnCacheBlock, (hash >> (64 - kPawnCacheBits)) * sizeof(PawnStructure));
 }
@@ -177,12 +177,12 @@ int PawnPhaseScore(const PawnStructure &structure, const Phase &phase) {
          PassedPhaseTerms(structure, phase, kBlack);
 }
 
-// Term by term in this very order, as each addition behind the fraction rounds.
+// In this very order: from the doubled pawns' fraction on, each addition rounds.
 double PawnTerm(const PawnStructure &structure, const Phase &phase, int square) {
   const Side side = SideOf(PieceOn(square));
   const Bitboard own = structure.Pawns[side];
   const int rank = RelativeRank(side, square);
-  double term = PlacementTerm(side, kPawn, square);
+  double term = PieceSquareTerm(side, kPawn, square);
   if (Contains(kCentralSquares, square))
     term += phase.CentralPawnBonus;
   const int sameFile = PopCount(own & FileMask(FileOf(square)));

@@ -7,30 +7,39 @@
 
 namespace zorvane {
 
-// What follows from a placement of pawns alone. A slot of the PawnCache is one of these; all zero, as it is at first,
+// What follows from a placement of pawns alone: a slot of the PawnCache, one cache line. All zero, as it is at first,
 // it is right for a board without pawns.
 struct alignas(64) PawnStructure {
-  Array<Bitboard, 2> Pawns; // by side; the placement that the other fields are about
-  Array<Bitboard, 2> Passed;
-  Array<Bitboard, 2> Files;      // all squares of the files that hold pawns of the side
-  std::int32_t Score;            // centipawns beyond PlacementTerm, White's minus Black's
-  std::int16_t CentralPawns;     // pawns that earn CentralPawnBonus, White's minus Black's
-  std::int16_t LowestPhaseTerms; // what phase and kings may add to Score, at the least and at the most
+  Array<Bitboard, 2> Pawns;  // by side; the placement that the other fields are about
+  Array<Bitboard, 2> Passed; // by side
+  Array<Bitboard, 2> Files;  // by side: every square of the files that hold its pawns
+
+  // Centipawns, White's minus Black's: doubled, isolated and passed pawns. Not used when IsFractional.
+  std::int32_t Score;
+
+  // Pawns that earn CentralPawnBonus, White's minus Black's.
+  std::int16_t CentralPawns;
+
+  // Bounds of PawnPhaseScore.
+  std::int16_t LowestPhaseTerms;
   std::int16_t HighestPhaseTerms;
-  bool IsFractional; // five or seven pawns of a side on a file: doubled terms that are inexact fractions
+
+  // Five or seven pawns of a side on a file: their terms are not exact in binary, so the order of summation counts.
+  bool IsFractional;
 };
 
 // With false nothing is cached, and every value stays the same. On at program start.
 void EnablePawnCache(bool enabled);
 
-// The structure of the pawns on the board, from the cache or worked out. Good until the next call. Allocates the cache
-// on first use.
+// The structure of the pawns on the board, from the cache or worked out. The reference is valid until the next
+// call. Allocates the cache on first use, and ends the process with exit code 2 when there is no memory.
 const PawnStructure &CurrentPawnStructure();
 
-// The terms of all pawns that depend on phase and kings, centipawns, White's minus Black's.
+// The terms that depend on phase and kings, centipawns, White's minus Black's: central pawns, passed pawns in the
+// endgame, the race of the kings to them.
 int PawnPhaseScore(const PawnStructure &structure, const Phase &phase);
 
-// The term of the one pawn on square, unsigned for colour, with its fraction.
+// The whole term of the pawn on square, centipawns from its own side's view, with its fraction.
 double PawnTerm(const PawnStructure &structure, const Phase &phase, int square);
 
 } // namespace zorvane

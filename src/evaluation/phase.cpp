@@ -1,20 +1,22 @@
 #include "evaluation/phase.h"
 
+#include <algorithm>
+
 #include "board/array.h"
 
 namespace zorvane {
 
 namespace {
 
-constexpr int kQueenSortie = 15;
-constexpr int kRaceFactor = 4;
+constexpr int kQueenSortie = 15; // centipawns at full phase
+constexpr int kRaceFactor = 4;   // for each step of a lead, at phase 0
 
 constexpr Phase MakePhase(int gamePhase) {
   const int endgameWeight = kFullPhase - gamePhase;
   Phase phase{};
   phase.GamePhase = static_cast<std::int16_t>(gamePhase);
   phase.EndgameWeight = static_cast<std::int16_t>(endgameWeight);
-  phase.HighestAttackPenalty = static_cast<std::int16_t>(kHighestRawPenalty * gamePhase / kFullPhase);
+  phase.HighestQueenAttack = static_cast<std::int16_t>(kHighestRawPenalty * gamePhase / kFullPhase);
   phase.CentralPawnBonus = static_cast<std::int8_t>(kCentralPawn * gamePhase / kFullPhase);
   phase.QueenSortiePenalty = static_cast<std::int8_t>(kQueenSortie * gamePhase / kFullPhase);
   for (int rank = 0; rank < 8; ++rank)

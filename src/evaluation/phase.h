@@ -8,27 +8,31 @@
 
 namespace zorvane {
 
-constexpr int kFullPhase = 6400;
+constexpr int kFullPhase = 6400; // the material sum of the initial position, centipawns
 
 // Every piece's material is a multiple of this, so there are few different phases.
 constexpr int kPhaseUnit = 10;
 constexpr int kPhases = kFullPhase / kPhaseUnit + 1;
 
-constexpr int kHighestRawPenalty = 260; // of an attack on a king, at full phase
-constexpr int kCentralPawn = 18;
-constexpr int kRaceLimit = 24;
+// Centipawns.
+constexpr int kHighestRawPenalty = 260; // of an attack on a king with a queen, at full phase
+constexpr int kCentralPawn = 18;        // at full phase
+constexpr int kRaceLimit = 24;          // of a king race, either way
 
-// What a passed pawn earns with all pieces gone.
+// What a passed pawn earns at phase 0, centipawns.
 constexpr int PassedEndgameLimit(int relativeRank) { return 3 * relativeRank * relativeRank; }
 
+// The terms of one phase, centipawns; one cache line.
 struct alignas(64) Phase {
-  std::int16_t GamePhase;            // kFullPhase while all pieces are on, or more
-  std::int16_t EndgameWeight;        // what GamePhase lacks of kFullPhase
-  std::int16_t HighestAttackPenalty; // of the attackers around a king
+  std::int16_t GamePhase;          // the material sum, but at most kFullPhase
+  std::int16_t EndgameWeight;      // kFullPhase less GamePhase
+  std::int16_t HighestQueenAttack; // the highest penalty of an attack on a king with a queen
   std::int8_t CentralPawnBonus;
   std::int8_t QueenSortiePenalty;
-  Array<std::int16_t, 8> PassedEndgameTerm;             // by relative rank
-  Array<std::int8_t, 2 * kFarthestApart + 1> RaceTerms; // by the own king's lead in steps, from -14 on
+  Array<std::int16_t, 8> PassedEndgameTerm; // by relative rank
+
+  // By the enemy king's distance from the pawn less the own king's, plus kFarthestApart.
+  Array<std::int8_t, 2 * kFarthestApart + 1> RaceTerms;
 };
 
 // By GamePhase in units.

@@ -1,4 +1,4 @@
-// What rooks, bishops and queens are worth beyond their squares, centipawns, unsigned for colour.
+// Open files for rooks, the bishop pair and early queens: centipawns, positive is good for the side.
 #pragma once
 
 #include "evaluation/pawn_structure.h"
@@ -7,10 +7,10 @@
 namespace zorvane {
 
 constexpr int kBishopPair = 30;
-constexpr int kHalfOpenFile = 12; // a rook's file without own pawns
-constexpr int kOpenFile = 10;     // more for one without any pawns
+constexpr int kHalfOpenFile = 12; // for a rook on a file without own pawns
+constexpr int kOpenFile = 10;     // on top, when there are no enemy pawns either
 
-// Where a queen pays for having come out early: all but its own first two ranks.
+// Where a queen has come out: all but the side's first two ranks.
 template <Side Us>
 constexpr Bitboard kQueenSortieSquares = Us == kWhite ? ~(RowMask(7) | RowMask(6)) : ~(RowMask(0) | RowMask(1));
 

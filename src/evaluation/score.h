@@ -8,7 +8,7 @@
 
 namespace zorvane {
 
-constexpr int kInfinity = 1000000;     // start value of a best score, beyond every score
+constexpr int kInfinity = 1000000;     // beyond every score: the start value of a best score
 constexpr int kMateValue = 900000;     // a mate is this less the ply of the mated side's node
 constexpr int kMateThreshold = 800000; // a score of this size or more is a mate
 
@@ -17,9 +17,9 @@ constexpr int MatedScore(Side side, int ply) { return side == kWhite ? ply - kMa
 
 constexpr bool IsMateScore(int score) { return Absolute(score) >= kMateThreshold; }
 
-// Lazy evaluation: exact strictly between Floor and Ceiling; a score at or beyond one of them may be any other score
-// on that side. This is not the alpha-beta window: scores outside the window still choose best lines and order the
-// next iteration's root moves, so a node's range holds its window and often more.
+// What a caller can tell apart: scores strictly between Floor and Ceiling. Whoever gives a score in a range may give,
+// for one at or beyond an end, any other at or beyond that end. This is not the alpha-beta window: scores outside the
+// window still choose best lines and order the next iteration's root moves, so a range holds the window and often more.
 struct ScoreRange {
   int Floor;
   int Ceiling;
