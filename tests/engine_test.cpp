@@ -74,7 +74,7 @@ void ForEachPosition(const std::function<void()> &visit) {
   for (const char *name : {"positions.tsv", "games.eval.tsv", "odd.eval.tsv"}) {
     for (const auto &row : ReadTable(name)) {
       ASSERT_TRUE(LoadFen(row[0].c_str()));
-      for (int plies = 0; plies < 6; ++plies) {
+      for (int plies = 0; plies < 16; ++plies) {
         const std::string fen = CurrentFen();
         const BoardState kept = Position;
         const Side side = SideToMove;

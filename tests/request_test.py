@@ -11,7 +11,7 @@ from engine_process import (ENGINE, LONG_SEARCH, SAMPLE, RequestCase, comparable
                             side_by_side, table)
 
 NO_ANSWER = 'Keine gueltige Stellung oder kein legaler Zug'
-LONG_REQUEST = 'position startpos moves ' + LONG_SEARCH
+LONG_REQUEST = 'position startpos moves ' + LONG_SEARCH     # has 44 legal moves
 OUT_OF_TIME = request_text(numbers='300 8 1024 1 1 0 0', position=LONG_REQUEST)
 ENDLESS = request_text(numbers='300000 8 1024 1 1 0 0', position=LONG_REQUEST)
 USUAL = object()
@@ -67,15 +67,18 @@ class Requests(RequestCase):
         got = self.run_request(OUT_OF_TIME)
         seen_ms = 1000 * (time.monotonic() - start)
         self.answer_of(got)
-        depth, _, told_ms = map(int, got.response.split('\n')[4:7])
-        self.assertTrue(depth < 8 and 300 <= told_ms <= seen_ms, (depth, told_ms, seen_ms))
+        depth, _, told_ms, _, moves = map(int, got.response.split('\n')[4:9])
+        self.assertTrue(depth < 8 and moves == 44 and 300 <= told_ms <= seen_ms, (depth, told_ms, seen_ms))
 
     def test_cannot_read(self):
         self.assert_failed(self.run_request(None), 'Cannot open request file', None)
         (self.folder / 'folder').mkdir()
-        got = run_engine('--request', str(self.folder / 'folder'))
-        self.assertEqual(got.returncode, 2)
-        self.assertRegex(got.stderr, 'Cannot open request file|Missing request header')
+        self.assert_failed(self.run_request(None, 'folder'), 'Cannot open request file', None)
+
+    @native_only
+    def test_pipe_is_no_request(self):
+        os.mkfifo(self.folder / 'pipe')
+        self.assert_failed(self.run_request(None, 'pipe'), 'Cannot open request file', None)
 
     def test_folder_in_the_way(self):
         for ending, message in {'.response': 'Cannot publish response file',

@@ -108,6 +108,18 @@ TEST_F(SearchTest, StopAndDeadline) {
   EXPECT_TRUE(SameState(Position, before));
 }
 
+// A search that ends within its first iteration, which takes some 700,000 nodes here and 100,000
+// for its first move, gives the best move so far.
+TEST_F(SearchTest, TheBestMoveOfAFirstIterationCutOff) {
+  ASSERT_TRUE(LoadFen("r1q1k1qr/1q1q1q1q/q1q2q1q/8/8/Q1Q2Q1Q/1Q1Q1Q1Q/R1Q1K1QR w KQkq - 0 1"));
+  double seconds = 0.001;
+  do {
+    seconds = seconds > 1 ? 0.001 : 1.5 * seconds;
+    RunSearch({1, seconds});
+  } while (Result().CompletedDepth > 0 || Result().Nodes < 200000);
+  EXPECT_GT(Result().BestScore, Evaluate());
+}
+
 // Side to move, words behind "go", and the limits that the search gets.
 TEST_F(SearchTest, LimitsOfGo) {
   for (const auto &row : ReadTable("go_limits.tsv")) {
