@@ -75,7 +75,7 @@ void InitializeBitboards();
 struct SliderEntry {
   Bitboard Mask; // the inner squares of its lines: whatever stands on others hides nothing
 #if !defined(ZORVANE_PEXT)
-  Bitboard Factor; // a magic number: brings the occupied squares under Mask to the top of the word, packed
+  Bitboard Factor; // a magic number: brings the occupied squares under Mask to the top of the word
   int Shift;       // from there down to an index
 #endif
   const Bitboard *Attacks; // a set for each occupation of Mask

@@ -1,5 +1,5 @@
 // The magic numbers of the slider attacks. Multiplied by its square's number, the occupied inner squares of a slider's
-// lines come to the top of the word such that occupations with different attacks differ there in the n highest bits, n
+// lines come to the top of the word such that occupations with different attacks differ in its n highest bits, n
 // being how many inner squares there are. Found by trying random numbers with few bits set; any that keep the
 // attacks apart would do.
 #pragma once
