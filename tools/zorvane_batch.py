@@ -1,15 +1,14 @@
-"""Many searches side by side by Zorvane's request files: what the command line tools share.
-
-    with Batch(find_engine(None), jobs=4) as batch:
-        for request, result in batch.results(requests):
-            ...
-    if batch.interrupts:
-        ...
-
-`requests` may be a generator: it is asked, in another thread, for the next request when an engine is free, so that few
-are held at a time. Results come in its order. What it raises, such as a Problem, comes out of `results` behind the
-results of all requests before it. zorvane_requests tells what a request and a result are.
-"""
+# Many searches side by side by Zorvane's request files: what the command line tools share.
+#
+#     with Batch(find_engine(None), jobs=4) as batch:
+#         for request, result in batch.results(requests):
+#             ...
+#     if batch.interrupts:
+#         ...
+#
+# `requests` may be a generator: it is asked, in another thread, for the next request when an engine is free, so that few
+# are held at a time. Results come in its order. What it raises, such as a Problem, comes out of `results` behind the
+# results of all requests before it. zorvane_requests tells what a request and a result are.
 import os
 import pathlib
 import re
@@ -31,8 +30,8 @@ PROGRAM = 'zorvane.exe' if os.name == 'nt' else 'zorvane'
 PROGRAM_FOLDERS = ('build/release', '.', '../bin')
 
 
+# The words of a command line by the rules of the system's shell.
 def split_command(command, windows=os.name == 'nt'):
-    """The words of a command line by the rules of the system's shell."""
     try:
         if not windows:
             return shlex.split(command)
@@ -43,8 +42,8 @@ def split_command(command, windows=os.name == 'nt'):
         raise Problem(f'the engine {command} has a quotation that does not end') from None
 
 
+# The engine's command line as a list: a program, or a program and its first arguments. None is the default.
 def find_engine(command):
-    """The engine's command line as a list: a program, or a program and its first arguments. None is the default."""
     if command is None:
         above = pathlib.Path(__file__).resolve().parent.parent
         near = (above / folder / PROGRAM for folder in PROGRAM_FOLDERS)
@@ -59,12 +58,11 @@ def request_path(folder, number):
     return folder / f'{number:06}{REQUEST_SUFFIX}'
 
 
+# Engines that work side by side, one on each request. Without a folder for the files it makes one of its own.
+#
+# Inside the context a first Ctrl-C, SIGTERM or SIGHUP cancels what runs and starts nothing more, a second kills;
+# `results` ends behind what was started. Leaving it cancels what still runs and waits for it.
 class Batch:
-    """Engines that work side by side, one on each request. Without a folder for the files it makes one of its own.
-
-    Inside the context a first Ctrl-C, SIGTERM or SIGHUP cancels what runs and starts nothing more, a second kills;
-    `results` ends behind what was started. Leaving it cancels what still runs and waits for it."""
-
     def __init__(self, engine, folder=None, jobs=1, keep=False, progress=lambda finished, running: None):
         self.engine, self.folder, self.jobs, self.keep, self.progress = engine, folder, jobs, keep, progress
         self.interrupts = 0
@@ -95,8 +93,8 @@ class Batch:
         for number, handler in self.handlers.items():
             signal.signal(number, handler)
 
+    # Run an engine on each request; gives pairs of request and result.
     def results(self, requests):
-        """Run an engine on each request; gives pairs of request and result."""
         self.source = iter(requests)
         self._add_worker()
         while True:
@@ -153,8 +151,8 @@ class Batch:
                 self.finished[number] = request, result
                 self.changed.notify_all()
 
+    # The next number and request, or what was raised instead; none when nothing more is to be started.
     def _take(self):
-        """The next number and request, or what was raised instead; none when nothing more is to be started."""
         with self.changed:
             while self.started - self.given >= MOST_WAITING + self.jobs and not self._urgency():
                 self.changed.wait(POLL_S)
@@ -173,9 +171,8 @@ class Batch:
             return self.started, request
 
 
+# A line on standard error: rewritten in place on a terminal, now and then elsewhere.
 class Progress:
-    """A line on standard error: rewritten in place on a terminal, now and then elsewhere."""
-
     def __init__(self, total=None, quiet=False):
         self.total = total
         self.quiet = quiet or sys.stderr is None
@@ -197,7 +194,7 @@ class Progress:
             text += f', {finished / elapsed:.3g} a second, {minutes}:{seconds:02} left'
         print(text, end='' if self.terminal and not end else '\n', file=sys.stderr, flush=True)
 
+    # Make room for a line of other text.
     def wipe(self):
-        """Make room for a line of other text."""
         if self.terminal:
             print('\r\033[K', end='', file=sys.stderr, flush=True)
