@@ -12,8 +12,8 @@ install(TARGETS zorvane RUNTIME DESTINATION ${program_folder})
 
 # README refers to these as docs/...
 install(FILES README.md DESTINATION ${document_folder})
-file(GLOB pictures CONFIGURE_DEPENDS docs/*.svg docs/*.png)
-install(FILES docs/request-protocol.md docs/performance.md ${pictures} DESTINATION ${document_folder}/docs)
+file(GLOB documents CONFIGURE_DEPENDS docs/*.md docs/*.svg docs/*.png)
+install(FILES ${documents} DESTINATION ${document_folder}/docs)
 
 # The tools look for their modules in their own folder, and for the engine from there.
 file(GLOB tool_programs CONFIGURE_DEPENDS RELATIVE "${PROJECT_SOURCE_DIR}/tools" tools/zorvane-*)
