@@ -6,15 +6,17 @@
 #     if batch.interrupts:
 #         ...
 #
-# `requests` may be a generator: it is asked, in another thread, for the next request when an engine is free, so that few
-# are held at a time. Results come in its order. What it raises, such as a Problem, comes out of `results` behind the
-# results of all requests before it. zorvane_requests tells what a request and a result are.
+# `requests` may be a generator: it is asked, in another thread, for the next request when an engine is free, so that
+# few are held at a time. Results come in its order. What it raises, such as a Problem, comes out of `results` behind
+# the results of all requests before it. zorvane_requests tells what a request and a result are.
+import argparse
 import os
 import pathlib
 import re
 import shlex
 import shutil
 import signal
+import subprocess
 import sys
 import tempfile
 import threading
@@ -198,3 +200,44 @@ class Progress:
     def wipe(self):
         if self.terminal:
             print('\r\033[K', end='', file=sys.stderr, flush=True)
+
+
+# The command line of a tool, of which the text of its module tells; with what all tools have.
+def tool_parser(text):
+    head, _, rest = text.partition('\n')
+    parser = argparse.ArgumentParser(description=head, epilog=rest,
+                                     formatter_class=argparse.RawDescriptionHelpFormatter)
+    add = parser.add_argument
+    add('--engine', metavar='COMMAND', help='the engine (one beside this program, or zorvane in the path)')
+    add('--jobs', '-j', type=int, default=os.cpu_count() or 1, metavar='N', help='processes side by side (all cores)')
+    add('--print-jobs', action='store_true', help='write the requests, print the command lines, run nothing')
+    add('--quiet', '-q', action='store_true', help='no progress and no summary')
+    return parser
+
+
+# The command line that answers a request, for a job runner.
+def job(engine, path):
+    program = os.path.abspath(engine[0]) if os.path.dirname(engine[0]) else engine[0]
+    words = [program, *engine[1:], '--request', str(path)]
+    return subprocess.list2cmdline(words) if os.name == 'nt' else shlex.join(words)
+
+
+# A line for the user; what comes from a file must not drive the terminal.
+def say(text):
+    name = os.path.basename(sys.argv[0])
+    print(f'{name}:', ''.join(c if c.isprintable() else '?' for c in str(text)), file=sys.stderr)
+
+
+# Run a tool to its exit status; what keeps it from its work is one line.
+def run_tool(main):
+    try:
+        sys.exit(main())
+    except KeyboardInterrupt:
+        say('interrupted')
+        sys.exit(130)
+    except BrokenPipeError:
+        os.dup2(os.open(os.devnull, os.O_WRONLY), sys.stdout.fileno())
+        sys.exit(1)
+    except (Problem, OSError, UnicodeError, subprocess.SubprocessError) as problem:
+        say(problem)
+        sys.exit(2)
