@@ -1,21 +1,22 @@
-"""Many searches side by side by Zorvane's request files: what the command line tools share.
-
-    with Batch(find_engine(None), jobs=4) as batch:
-        for request, result in batch.results(requests):
-            ...
-    if batch.interrupts:
-        ...
-
-`requests` may be a generator: it is asked, in another thread, for the next request when an engine is free, so that few
-are held at a time. Results come in its order. What it raises, such as a Problem, comes out of `results` behind the
-results of all requests before it. zorvane_requests tells what a request and a result are.
-"""
+# Many searches side by side by Zorvane's request files: what the command line tools share.
+#
+#     with Batch(find_engine(None), jobs=4) as batch:
+#         for request, result in batch.results(requests):
+#             ...
+#     if batch.interrupts:
+#         ...
+#
+# `requests` may be a generator: it is asked, in another thread, for the next request when an engine is free, so that
+# few are held at a time. Results come in its order. What it raises, such as a Problem, comes out of `results` behind
+# the results of all requests before it. zorvane_requests tells what a request and a result are.
+import argparse
 import os
 import pathlib
 import re
 import shlex
 import shutil
 import signal
+import subprocess
 import sys
 import tempfile
 import threading
@@ -27,12 +28,12 @@ REQUEST_SUFFIX = '.request'
 MOST_WAITING = 4096  # results that wait for an earlier one
 HANGUP = getattr(signal, 'SIGHUP', None)  # which Windows has not
 PROGRAM = 'zorvane.exe' if os.name == 'nt' else 'zorvane'
-# From the folder above this one: a build, the unpacked package, an installation's documents.
-PROGRAM_FOLDERS = ('build/release', '.', '../../../bin')
+# From the folder above this one: a build, the unpacked package for Windows, an installation.
+PROGRAM_FOLDERS = ('build/release', '.', '../bin')
 
 
+# The words of a command line by the rules of the system's shell.
 def split_command(command, windows=os.name == 'nt'):
-    """The words of a command line by the rules of the system's shell."""
     try:
         if not windows:
             return shlex.split(command)
@@ -43,8 +44,8 @@ def split_command(command, windows=os.name == 'nt'):
         raise Problem(f'the engine {command} has a quotation that does not end') from None
 
 
+# The engine's command line as a list: a program, or a program and its first arguments. None is the default.
 def find_engine(command):
-    """The engine's command line as a list: a program, or a program and its first arguments. None is the default."""
     if command is None:
         above = pathlib.Path(__file__).resolve().parent.parent
         near = (above / folder / PROGRAM for folder in PROGRAM_FOLDERS)
@@ -59,12 +60,11 @@ def request_path(folder, number):
     return folder / f'{number:06}{REQUEST_SUFFIX}'
 
 
+# Engines that work side by side, one on each request. Without a folder for the files it makes one of its own.
+#
+# Inside the context a first Ctrl-C, SIGTERM or SIGHUP cancels what runs and starts nothing more, a second kills;
+# `results` ends behind what was started. Leaving it cancels what still runs and waits for it.
 class Batch:
-    """Engines that work side by side, one on each request. Without a folder for the files it makes one of its own.
-
-    Inside the context a first Ctrl-C, SIGTERM or SIGHUP cancels what runs and starts nothing more, a second kills;
-    `results` ends behind what was started. Leaving it cancels what still runs and waits for it."""
-
     def __init__(self, engine, folder=None, jobs=1, keep=False, progress=lambda finished, running: None):
         self.engine, self.folder, self.jobs, self.keep, self.progress = engine, folder, jobs, keep, progress
         self.interrupts = 0
@@ -95,8 +95,8 @@ class Batch:
         for number, handler in self.handlers.items():
             signal.signal(number, handler)
 
+    # Run an engine on each request; gives pairs of request and result.
     def results(self, requests):
-        """Run an engine on each request; gives pairs of request and result."""
         self.source = iter(requests)
         self._add_worker()
         while True:
@@ -153,8 +153,8 @@ class Batch:
                 self.finished[number] = request, result
                 self.changed.notify_all()
 
+    # The next number and request, or what was raised instead; none when nothing more is to be started.
     def _take(self):
-        """The next number and request, or what was raised instead; none when nothing more is to be started."""
         with self.changed:
             while self.started - self.given >= MOST_WAITING + self.jobs and not self._urgency():
                 self.changed.wait(POLL_S)
@@ -173,11 +173,10 @@ class Batch:
             return self.started, request
 
 
+# A line on standard error: rewritten in place on a terminal, now and then elsewhere.
 class Progress:
-    """A line on standard error: rewritten in place on a terminal, now and then elsewhere."""
-
     def __init__(self, total=None, quiet=False):
-        self.of = '' if total is None else f' of {total}'
+        self.total = total
         self.quiet = quiet or sys.stderr is None
         self.terminal = not self.quiet and sys.stderr.isatty()
         self.interval_s = 0.2 if self.terminal else 2.0
@@ -189,11 +188,56 @@ class Progress:
             return
         self.last = now
         self.wipe()
-        line_end = '' if self.terminal and not end else '\n'
-        print(f'{finished}{self.of} done, {running} running, {now - self.start:.1f} s', end=line_end,
-              file=sys.stderr, flush=True)
+        elapsed = now - self.start
+        of = f' of {self.total}' if self.total is not None else ''
+        text = f'{finished}{of} done, {running} running, {elapsed:.1f} s'
+        if finished and self.total and not end:
+            minutes, seconds = divmod(round(elapsed / finished * (self.total - finished)), 60)
+            text += f', {finished / elapsed:.3g} a second, {minutes}:{seconds:02} left'
+        print(text, end='' if self.terminal and not end else '\n', file=sys.stderr, flush=True)
 
+    # Make room for a line of other text.
     def wipe(self):
-        """Make room for a line of other text."""
         if self.terminal:
             print('\r\033[K', end='', file=sys.stderr, flush=True)
+
+
+# The command line of a tool, of which the text of its module tells; with what all tools have.
+def tool_parser(text):
+    head, _, rest = text.partition('\n')
+    parser = argparse.ArgumentParser(description=head, epilog=rest,
+                                     formatter_class=argparse.RawDescriptionHelpFormatter)
+    add = parser.add_argument
+    add('--engine', metavar='COMMAND', help='the engine (one beside this program, or zorvane in the path)')
+    add('--jobs', '-j', type=int, default=os.cpu_count() or 1, metavar='N', help='processes side by side (all cores)')
+    add('--print-jobs', action='store_true', help='write the requests, print the command lines, run nothing')
+    add('--quiet', '-q', action='store_true', help='no progress and no summary')
+    return parser
+
+
+# The command line that answers a request, for a job runner.
+def job(engine, path):
+    program = os.path.abspath(engine[0]) if os.path.dirname(engine[0]) else engine[0]
+    words = [program, *engine[1:], '--request', str(path)]
+    return subprocess.list2cmdline(words) if os.name == 'nt' else shlex.join(words)
+
+
+# A line for the user; what comes from a file must not drive the terminal.
+def say(text):
+    name = os.path.basename(sys.argv[0])
+    print(f'{name}:', ''.join(c if c.isprintable() else '?' for c in str(text)), file=sys.stderr)
+
+
+# Run a tool to its exit status; what keeps it from its work is one line.
+def run_tool(main):
+    try:
+        sys.exit(main())
+    except KeyboardInterrupt:
+        say('interrupted')
+        sys.exit(130)
+    except BrokenPipeError:
+        os.dup2(os.open(os.devnull, os.O_WRONLY), sys.stdout.fileno())
+        sys.exit(1)
+    except (Problem, OSError, UnicodeError, subprocess.SubprocessError) as problem:
+        say(problem)
+        sys.exit(2)

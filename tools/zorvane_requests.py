@@ -1,17 +1,16 @@
-"""One search by Zorvane's request files: write a request, run an engine on it, read the result.
-
-    path = pathlib.Path('an/empty/folder/1.request')
-    result = run(['build/release/zorvane'], path, Request(['e2e4', 'e7e5'], depth=6))
-    clean_up(path)
-
-A result is a dictionary. Its 'status' tells what became of the request:
-  ok         'move', 'score', 'depth', 'nodes', 'elapsed_ms', 'reason', 'legal_moves' as in the response, and
-             'line', the best line as coordinate moves
-  error      'error', what failed; perhaps 'explanation' and 'exit_code'
-  cancelled  the request is gone without an answer, or its engine was told to end
-  missing    no answer yet: the engine still works, was killed, or has never run
-docs/request-protocol.md tells what the files say. Needs Python 3.9 (dictionaries joined with "|").
-"""
+# One search by Zorvane's request files: write a request, run an engine on it, read the result.
+#
+#     path = pathlib.Path('an/empty/folder/1.request')
+#     result = run(['build/release/zorvane'], path, Request(['e2e4', 'e7e5'], depth=6))
+#     clean_up(path)
+#
+# A result is a dictionary. Its 'status' tells what became of the request:
+#   ok         'move', 'score', 'depth', 'nodes', 'elapsed_ms', 'reason', 'legal_moves' as in the response, and
+#              'line', the best line as coordinate moves
+#   error      'error', what failed; perhaps 'explanation' and 'exit_code'
+#   cancelled  the request is gone without an answer, or its engine was told to end
+#   missing    no answer yet: the engine still works, was killed, or has never run
+# docs/request-protocol.md tells what the files say. Needs Python 3.9 (dictionaries joined with "|").
 import dataclasses
 import itertools
 import os
@@ -80,20 +79,20 @@ def write(path, request):
     path.write_bytes(request.text().encode())
 
 
+# Ask the engine that works on the request to end.
 def cancel(path):
-    """Ask the engine that works on the request to end."""
     beside(path, CANCEL).touch()
 
 
+# Remove all files of a request, when no engine works on it any more.
 def clean_up(path):
-    """Remove all files of a request, when no engine works on it any more."""
     for ending in ('', RESPONSE, TEMPORARY, CANCEL, ERROR):
         beside(path, ending).unlink(missing_ok=True)
 
 
+# Start an engine, a list of a program and its first arguments, on a request. It is not hit by the terminal's
+# Ctrl-C, so that whoever started it decides.
 def start(engine, path):
-    """Start an engine, a list of a program and its first arguments, on a request. It is not hit by the terminal's
-    Ctrl-C, so that whoever started it decides."""
     apart = {'creationflags': subprocess.CREATE_NEW_PROCESS_GROUP} if os.name == 'nt' else {'start_new_session': True}
     try:
         return subprocess.Popen([*engine, '--request', str(path)], stdin=subprocess.DEVNULL,
@@ -102,19 +101,19 @@ def start(engine, path):
         raise Problem(f'the engine {engine[0]} does not start: {problem.strerror}') from None
 
 
+# Kill an engine, with the program that runs it if there is one.
 def kill(process):
-    """Kill an engine, with the program that runs it if there is one."""
     if os.name == 'nt':
         process.kill()
     elif process.poll() is None:
         os.killpg(process.pid, signal.SIGKILL)
 
 
+# Write the request, have an engine answer it, give the result. The files stay.
+#
+# An engine that has not ended soon after its time limit, or at once when `urgency` says so, gets the cancel file and
+# then is killed. `urgency` is asked every POLL_S.
 def run(engine, path, request, urgency=lambda: GO_ON):
-    """Write the request, have an engine answer it, give the result. The files stay.
-
-    An engine that has not ended soon after its time limit, or at once when `urgency` says so, gets the cancel file and
-    then is killed. `urgency` is asked every POLL_S."""
     write(path, request)
     process = start(engine, path)
     end = time.monotonic() + min(LONGEST_TIME_MS, request.time_ms) / 1000 + OVERDUE_S
@@ -142,9 +141,9 @@ def run(engine, path, request, urgency=lambda: GO_ON):
     return {'status': 'cancelled'} if urged else {'status': 'error', 'error': late}
 
 
+# What became of a request, from the files beside it. `exit_code` and `complaint`, the engine's text on standard
+# error, are for who ran the engine itself.
 def read_result(path, token, exit_code=None, complaint=''):
-    """What became of a request, from the files beside it. `exit_code` and `complaint`, the engine's text on standard
-    error, are for who ran the engine itself."""
     response, error = beside(path, RESPONSE), beside(path, ERROR)
     if response.exists():
         lines = response.read_text('utf-8', 'replace').split('\n')
@@ -170,8 +169,8 @@ def number(text):
     return int(value) if value.is_integer() else value
 
 
+# The moves of the response's last twelve lines, in coordinate text.
 def best_line(rows):
-    """The moves of the response's last twelve lines, in coordinate text."""
     moves = []
     for row in rows:
         counts, from_file, from_row, to_file, to_row, piece = map(int, row.split())
@@ -182,7 +181,7 @@ def best_line(rows):
     return moves
 
 
+# The moves to the mate that a score means, negative when White is mated; 0 when it means none.
 def mate_in(score):
-    """The moves to the mate that a score means, negative when White is mated; 0 when it means none."""
     half_moves = MATE - abs(score)
     return 0 if half_moves > MATE - LEAST_MATE else (half_moves + 1) // 2 * (1 if score > 0 else -1)

@@ -57,6 +57,12 @@ install_windows_tools() {
   install_missing x86_64-w64-mingw32-g++-win32=g++-mingw-w64-x86-64-win32
 }
 
+# What running the tests needs, beside the build tools.
+install_test_tools() {
+  install_missing parallel=parallel \
+    /usr/games/pgn-extract=pgn-extract /usr/lib/python3/dist-packages/jinja2=python3-jinja2
+}
+
 # configure PRESET [CMAKE_ARGUMENT ...]
 # Quiet unless it fails: standard output stays free for the program that a
 # script runs afterwards.

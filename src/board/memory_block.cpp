@@ -12,8 +12,6 @@ Array<MemoryBlock, 2> MemoryBlocks;
 
 namespace {
 
-constexpr std::size_t kAlignment = 64;
-
 // What the allocator handed out, for giving it back.
 Array<void *, 2> Allocations;
 
@@ -26,11 +24,11 @@ void AllocateBlock(MemoryBlockNumber number, std::size_t length) {
   MemoryBlocks[index] = {};
   if (length == 0)
     return;
-  void *memory = std::calloc(length + kAlignment, 1);
+  void *memory = std::calloc(length + kBlockAlignment, 1);
   if (memory == nullptr)
     std::exit(2);
   const auto address = reinterpret_cast<std::uintptr_t>(memory);
-  const std::size_t skip = (kAlignment - address % kAlignment) % kAlignment;
+  const std::size_t skip = (kBlockAlignment - address % kBlockAlignment) % kBlockAlignment;
   Allocations[index] = memory;
   MemoryBlocks[index] = {static_cast<std::byte *>(memory) + skip, length};
 }

@@ -55,20 +55,20 @@ int RunBench(int depth) {
   return kSuccess;
 }
 
-// The modes with a first argument; the state is set up.
+// The modes with a first argument. StartEngine has run.
 int RunMode(int argc, char **argv) {
   const char *mode = argv[1];
-  const bool hasNumber = argc > 2;
-  if (hasNumber && Is(mode, "--request"))
+  const bool hasValue = argc > 2;
+  if (hasValue && Is(mode, "--request"))
     return RunRequest(argv[2]);
   if (argc > 3 && !LoadFen(argv[3])) {
     std::fputs("Invalid FEN\n", stderr);
     return kFailure;
   }
-  const auto number = [&](int absent) { return hasNumber ? ParseInteger(argv[2]) : absent; };
+  const auto number = [&](int absent) { return hasValue ? ParseInteger(argv[2]) : absent; };
   if (Is(mode, "--perft"))
     return RunPerft(number(kDefaultPerftDepth));
-  if (Is(mode, "--eval"))
+  if (Is(mode, "--eval")) // its value has no meaning
     return RunEval();
   if (Is(mode, "--bench"))
     return RunBench(number(kDefaultBenchDepth));

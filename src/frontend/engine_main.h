@@ -3,7 +3,8 @@
 
 namespace zorvane {
 
-// Runs the mode that the arguments name and returns the exit code of the process, 0 or 2.
+// Runs the mode that the arguments name and returns the exit code of the process, 0 or 2. Without arguments that is the
+// UCI loop, or a message box when there is no usable standard input.
 int EngineMain(int argc, char **argv);
 
 // Makes the engine ready for its first search: tables, clock, the initial position.

@@ -14,7 +14,7 @@ namespace {
 constexpr double kDepthTimeLimitSeconds = 300.0;
 constexpr double kInfiniteTimeLimitSeconds = 86400.0;
 constexpr double kShortestTimeMs = 1.0;
-constexpr double kClockShare = 30.0;     // a move gets this part of the clock
+constexpr double kClockShare = 30.0;     // a move gets one part of so many of the clock
 constexpr double kClockReserveMs = 50.0; // always left on the clock
 
 // The text behind a word of the line, null when the word is not there.
@@ -23,7 +23,7 @@ const char *TextBehind(const char *line, const char *word) {
   return found == nullptr ? nullptr : found + std::strlen(word);
 }
 
-// The order of the arguments gives what is no number the shortest time.
+// In this order of arguments, what is not a number gives the shortest time.
 double TimeLimitSeconds(double milliseconds) { return std::max(kShortestTimeMs, milliseconds) / 1000.0; }
 
 } // namespace

@@ -20,9 +20,8 @@ namespace zorvane {
 
 namespace {
 
-constexpr std::size_t kLongestPath = 3900;
-constexpr std::size_t kPathBufferSize = 4096; // a path with any of the endings
-constexpr std::size_t kTokenSize = 128;
+constexpr std::size_t kLongestPath = 3900; // leaves room for every ending in kPathBufferSize
+constexpr std::size_t kTokenSize = 128;    // of a token with its line end and terminator
 
 constexpr char kHeader[] = "ZORVANE_C_REQUEST_1";
 constexpr char kPositionText[] = "position startpos";
@@ -34,15 +33,15 @@ using PathBuffer = std::array<char, kPathBufferSize>;
 using Line = std::array<char, kTextLineSize>;
 using Token = std::array<char, kTokenSize>;
 
-// The third line of a request.
+// The third line of a request: seven numbers.
 struct Parameters {
   double TimeMs;
   int Depth;
   int HashKb;
-  int TranspositionMovesFlag;
-  int PawnCacheFlag;
-  int HintsFlag;
-  int EndgameHintsFlag;
+  int TranspositionMovesFlag; // 0 is off, any other number on
+  int PawnCacheFlag;          // the same
+  int HintsFlag;              // 1 is on, any other number off
+  int EndgameHintsFlag;       // the same
 };
 
 // A path with the ending of one of the request's files; it fits for every path that is not too long.
@@ -177,6 +176,7 @@ const char *ReadRequest(std::FILE *file, Request &request) {
   if (request.TokenText[0] == '\0')
     return "Empty request token";
   request.HasToken = true;
+  // Not before the token, which the response to the failure carries.
   if (!headerMatches)
     return "Invalid request header";
   if (!ReadLine(file, line) || !ReadParameters(line, request.Limits))

@@ -12,7 +12,7 @@ namespace zorvane {
 
 namespace {
 
-// From the mover's view, mates in moves.
+// The score as UCI wants it: from the mover's view, mates in moves.
 std::array<char, 64> ScoreText(int bestScore) {
   std::array<char, 64> text{};
   const int score = SideToMove == kWhite ? bestScore : -bestScore;

@@ -3,7 +3,8 @@
 
 namespace zorvane {
 
-// Writes the info and bestmove lines of the last search to standard output.
+// Writes the info and bestmove lines of the last search to standard output. There are no others, and the line that info
+// names is the best move alone.
 void PrintSearchResult();
 
 } // namespace zorvane

@@ -13,7 +13,7 @@ namespace {
 
 constexpr int kInfinitePollMs = 10;
 
-// Main thread alone: from a worker's creation until it is joined.
+// Touched by the main thread alone: true from a worker's creation until it is joined.
 bool IsSearchThreadRunning;
 
 // What the worker does; written before it starts.

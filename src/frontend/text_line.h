@@ -1,4 +1,4 @@
-// Lines of commands and requests, as the C line reader gives them.
+// Lines of commands and requests, as fgets gives them.
 #pragma once
 
 #include <cstddef>

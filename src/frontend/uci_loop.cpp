@@ -7,7 +7,7 @@
 #include "board/fen.h"
 #include "board/move_text.h"
 #include "board/number_text.h"
-#include "board/position.h"
+#include "frontend/exit_code.h"
 #include "frontend/search_thread.h"
 #include "frontend/text_line.h"
 #include "search/transposition_table.h"
@@ -45,7 +45,7 @@ void SetPosition(char *line) {
   StopSearchThread();
   char *position = line + std::strlen(kPositionCommand);
   char *moves = CutMoveList(line);
-  // The blank before "moves" can be the one that ends the command word; nothing is left to name a position then.
+  // In "position moves ..." the cut took the blank of the command word: no position is named.
   if (std::strlen(line) < std::strlen(kPositionCommand)) {
     Say("info string invalid position");
     return;
@@ -93,10 +93,10 @@ int RunUciLoop() {
     const bool goOn = HandleUciCommand(line.data());
     std::fflush(stdout);
     if (!goOn)
-      return 0;
+      return kSuccess;
   }
   StopSearchThread();
-  return 0;
+  return kSuccess;
 }
 
 } // namespace zorvane

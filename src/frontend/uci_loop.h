@@ -6,7 +6,7 @@ namespace zorvane {
 // Reads and answers commands until "quit" or the end of input. Returns the exit code, 0.
 int RunUciLoop();
 
-// Acts on one command line, which may end in a line feed; the text is cut in the course of it. False for "quit".
+// Acts on one command line, which may end in a line feed and is modified. False for "quit".
 bool HandleUciCommand(char *line);
 
 } // namespace zorvane

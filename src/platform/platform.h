@@ -26,7 +26,12 @@ void ShowMessageBox(const char *caption, const char *text);
 // has no meaning.
 double PerformanceMilliseconds();
 
-// Starts the one worker thread with `body` as its work. False when the system
+// The stack of the worker. The defaults differ between systems and shells,
+// and std::thread cannot set one; a search must not depend on them. It needs
+// a small part of this: quiescence nests eleven plies with some move sets each.
+constexpr int kWorkerStackBytes = 8 << 20;
+
+// Starts the one worker thread with body as its work. False when the system
 // refuses. A worker that was started must be joined before the next start.
 bool StartWorker(void (*body)());
 

@@ -13,10 +13,6 @@ namespace zorvane {
 
 namespace {
 
-// The default differs between systems and shells; a search must not depend on
-// it.
-constexpr size_t kWorkerStackBytes = size_t{8} << 20;
-
 pthread_t worker;
 void (*workerBody)() = nullptr;
 
@@ -88,7 +84,11 @@ int OpenFile(const char *path) {
 
 std::FILE *OpenForReading(const char *path) {
   const int descriptor = OpenFile(path);
-  return descriptor < 0 ? nullptr : fdopen(descriptor, "rb");
+  std::FILE *file = descriptor < 0 ? nullptr : fdopen(descriptor, "rb");
+  if (descriptor >= 0 && file == nullptr) {
+    close(descriptor);
+  }
+  return file;
 }
 
 std::FILE *OpenForWriting(const char *path) { return std::fopen(path, "wbe"); }

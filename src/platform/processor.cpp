@@ -3,6 +3,7 @@
 #include <cpuid.h>
 
 #include <cstring>
+#include <string_view>
 
 namespace zorvane {
 
@@ -11,7 +12,7 @@ namespace {
 constexpr std::uint32_t Flag(int bit) { return std::uint32_t{1} << bit; }
 
 // What a compiler may use for x86-64-v3.
-constexpr std::uint32_t kSystemSavesRegisters = Flag(27);                        // XGETBV can be asked
+constexpr std::uint32_t kSystemSavesRegisters = Flag(27);                        // OSXSAVE: XGETBV may be executed
 constexpr std::uint32_t kFeatures = Flag(0) | Flag(9) | Flag(12) | Flag(13) |    // SSE3, SSSE3, FMA, CMPXCHG16B
                                     Flag(19) | Flag(20) | Flag(22) | Flag(23) |  // SSE4.1, SSE4.2, MOVBE, POPCNT
                                     kSystemSavesRegisters | Flag(28) | Flag(29); // AVX, F16C
@@ -21,21 +22,21 @@ constexpr std::uint32_t kVectorRegisters = Flag(1) | Flag(2);                   
 
 constexpr bool HasAll(std::uint32_t flags, std::uint32_t wanted) { return (flags & wanted) == wanted; }
 
-// An instruction that the processor has still faults when the operating system does not save its registers.
+// AVX instructions fault unless the operating system saves their registers, so XGETBV is asked as well.
 bool RunsVersion3(const ProcessorIdentity &processor) {
   return HasAll(processor.Features, kFeatures) && HasAll(processor.ExtendedFeatures, kExtendedFeatures) &&
          HasAll(processor.FurtherFeatures, kFurtherFeatures) && HasAll(processor.SavedRegisters, kVectorRegisters);
 }
 
-// Family and extended family are shown added up, the second only where the first is full.
+// The family, plus the extended family when the family is 15.
 int FamilyOf(const ProcessorIdentity &processor) {
   const std::uint32_t family = (processor.Version >> 8) & 0xFU;
   return static_cast<int>(family == 0xFU ? family + ((processor.Version >> 20) & 0xFFU) : family);
 }
 
 // Intel has carried out PEXT in one step ever since it came with Haswell, AMD since Zen 3, which is family 0x19.
-// Before, from Excavator to Zen 2, it was microcode of a step for each bit, up to a hundred times as slow; Hygon's are
-// of that kind. Of others nothing is known, and multiplying where PEXT would do costs little.
+// Before, from Excavator to Zen 2, it was microcode of a step for each bit, up to a hundred times as slow; Hygon's,
+// which are Zen 1, too. Of others nothing is known, and multiplying where PEXT would do costs little.
 bool HasQuickPext(const ProcessorIdentity &processor) {
   constexpr int kFirstQuickAmdFamily = 0x19;
   const std::string_view vendor(processor.Vendor, sizeof processor.Vendor);

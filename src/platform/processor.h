@@ -2,14 +2,13 @@
 #pragma once
 
 #include <cstdint>
-#include <string_view>
 
 namespace zorvane {
 
 enum EnginePath : unsigned {
   kBasePath, // any x86-64
-  kAvx2Path, // x86-64-v3, but no PEXT
-  kPextPath, // x86-64-v3
+  kAvx2Path, // x86-64-v3, with a PEXT that is slow
+  kPextPath, // x86-64-v3, with a quick PEXT
 };
 
 // What a processor tells about itself, as far as the choice asks for it.
@@ -22,7 +21,7 @@ struct ProcessorIdentity {
   std::uint32_t SavedRegisters;   // XGETBV 0: the kinds of registers that the operating system saves
 };
 
-// The processor that this runs on. What it does not tell is 0.
+// The processor that this runs on. Fields that it cannot report are 0.
 ProcessorIdentity IdentifyProcessor();
 
 // The fastest path that such a processor can run.

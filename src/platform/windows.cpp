@@ -12,8 +12,6 @@ namespace zorvane {
 
 namespace {
 
-constexpr SIZE_T kWorkerStackBytes = SIZE_T{8} << 20;
-
 // Longest path that the file procedures take: the 4096 bytes of a file name,
 // and room for the folder in front of a relative one.
 constexpr DWORD kPathCapacity = 8192;
@@ -39,7 +37,7 @@ bool BuildSystemPath(const char *path, wchar_t *systemPath) {
   }
   wchar_t fullPath[kPathCapacity];
   const DWORD length = GetFullPathNameW(systemPath, kPathCapacity, fullPath, nullptr);
-  constexpr DWORD kLongestPrefix = 8;
+  constexpr DWORD kLongestPrefix = 8; // of the forms below, with the terminator
   if (length == 0 || length + kLongestPrefix >= kPathCapacity) {
     return false;
   }
@@ -73,7 +71,7 @@ void PrepareStandardStreams() {
       _setmode(descriptor, _O_BINARY);
     }
   }
-  // The C library here takes _IOLBF for full buffering; said plainly.
+  // The C library here takes _IOLBF for full buffering, so that is what is asked for.
   std::setvbuf(stdout, nullptr, _IOFBF, BUFSIZ);
 }
 
@@ -101,9 +99,40 @@ void JoinWorker() {
 
 void SleepMilliseconds(int milliseconds) { Sleep(static_cast<DWORD>(milliseconds)); }
 
-std::FILE *OpenForReading(const char *path) {
+namespace {
+
+// Opens what can be read as a file, INVALID_HANDLE_VALUE for anything else: a device or a pipe may hold the engine.
+HANDLE OpenFileHandle(const char *path) {
   wchar_t systemPath[kPathCapacity];
-  return BuildSystemPath(path, systemPath) ? _wfopen(systemPath, L"rb") : nullptr;
+  if (!BuildSystemPath(path, systemPath)) {
+    return INVALID_HANDLE_VALUE;
+  }
+  HANDLE file = CreateFileW(systemPath, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                            OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+  if (file != INVALID_HANDLE_VALUE && GetFileType(file) != FILE_TYPE_DISK) {
+    CloseHandle(file);
+    return INVALID_HANDLE_VALUE;
+  }
+  return file;
+}
+
+} // namespace
+
+std::FILE *OpenForReading(const char *path) {
+  HANDLE handle = OpenFileHandle(path);
+  if (handle == INVALID_HANDLE_VALUE) {
+    return nullptr;
+  }
+  const int descriptor = _open_osfhandle(reinterpret_cast<intptr_t>(handle), _O_RDONLY | _O_BINARY);
+  if (descriptor < 0) {
+    CloseHandle(handle);
+    return nullptr;
+  }
+  std::FILE *file = _fdopen(descriptor, "rb");
+  if (file == nullptr) {
+    _close(descriptor);
+  }
+  return file;
 }
 
 std::FILE *OpenForWriting(const char *path) {
@@ -112,17 +141,8 @@ std::FILE *OpenForWriting(const char *path) {
 }
 
 bool CanOpenForReading(const char *path) {
-  wchar_t systemPath[kPathCapacity];
-  if (!BuildSystemPath(path, systemPath)) {
-    return false;
-  }
-  HANDLE file = CreateFileW(systemPath, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                            OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
-  if (file == INVALID_HANDLE_VALUE) {
-    return false;
-  }
-  CloseHandle(file);
-  return true;
+  HANDLE file = OpenFileHandle(path);
+  return file != INVALID_HANDLE_VALUE && CloseHandle(file) != 0;
 }
 
 bool RenameFile(const char *from, const char *to) {

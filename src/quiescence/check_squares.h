@@ -1,7 +1,8 @@
 // Which moves give check: the squares from which each type of piece does, and the pieces that uncover a check by
 // leaving a line.
 //
-// Where the enemy king is attacked already, which a loaded position may show, no move is needed to uncover that attack.
+// Asked of positions where the enemy king is not attacked yet. Loaded ones may break that: then a check that stands
+// already does not make other moves count as checks.
 #pragma once
 
 #include "board/array.h"
@@ -11,8 +12,8 @@ namespace zorvane {
 
 struct CheckSquares {
   int EnemyKing;
-  Array<Bitboard, kPieceTypes + 1> From; // by PieceType; none for a king
-  Bitboard Discoverers;                  // alone between the enemy king and a slider
+  Array<Bitboard, kPieceTypes + 1> From; // by PieceType: the squares from which it attacks the enemy king
+  Bitboard Discoverers;                  // own pieces that alone block an own slider from the enemy king
 };
 
 template <Side Us> inline CheckSquares FindCheckSquares() {
@@ -29,8 +30,8 @@ template <Side Us> inline CheckSquares FindCheckSquares() {
   return checks;
 }
 
-// The squares where the piece on from gives check, directly or by uncovering a line. Castling, en passant and
-// promotion are more than a step of one piece: for them the answer is not complete.
+// The squares where the piece on from gives check, directly or by uncovering a line. It may miss checks by castling, en
+// passant and promotion, which are more than a step of one piece: MoveGivesCheck tells those.
 inline Bitboard CheckingTargetsOf(const CheckSquares &checks, int from, PieceType type) {
   const Bitboard direct = checks.From[type];
   return Contains(checks.Discoverers, from) ? direct | ~LineThrough[checks.EnemyKing][from] : direct;

@@ -12,10 +12,10 @@ namespace zorvane {
 
 constexpr int kHistoryLimit = 1000000;
 
-// By ply: slot 0 the newer killer, slot 1 the older, kNoMove when empty.
+// By ply, 1 to 7: slot 0 the newer killer, slot 1 the older, kNoMove when empty. Cleared before each iteration.
 extern Array<Array<PackedMove, 2>, kSearchPlies> KillerTable;
 
-// By side and PackedMove: the credits of this search, 0 to kHistoryLimit.
+// By side and PackedMove: the credits of this search, 0 to kHistoryLimit. Cleared before each search.
 extern Array<Array<std::int32_t, kPackedMoves>, 2> HistoryTable;
 
 void ClearKillers();
@@ -30,7 +30,8 @@ inline void StoreKiller(int ply, PackedMove move) {
   slots[0] = move;
 }
 
-// Credits a move that cut a node of the ply, 1 to 7: 64 points at ply 1 down to 4 at ply 7, whatever the depth.
+// Credits a move that cut a node of the ply, 1 to 7: 64 points at ply 1 down to 4 at ply 7. The
+// remaining depth does not count.
 inline void AddHistory(Side side, int ply, PackedMove move) {
   assert(ply >= 1 && ply < kSearchPlies);
   const int credit = kSearchPlies + 1 - ply;

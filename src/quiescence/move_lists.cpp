@@ -18,7 +18,7 @@ constexpr int kVictimFactor = 100;
 
 // Quiet moves whose check cannot be read off the to-square: the queen of a promotion, the rook of castling.
 bool IsCompound(PieceType type, int from, int to) {
-  return (type == kPawn && Contains(kLastRows, to)) || (type == kKing && Absolute(to - from) == 2);
+  return (type == kPawn && Contains(kLastRows, to)) || (type == kKing && Absolute(to - from) == kCastlingStep);
 }
 
 } // namespace

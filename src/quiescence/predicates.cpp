@@ -2,6 +2,8 @@
 
 #include <cassert>
 
+#include "board/rules.h"
+
 namespace zorvane {
 
 template <Side Us> bool HasPawnForkPush() {

@@ -19,25 +19,27 @@ namespace {
 constexpr int kEntryDepth = 4;  // remaining depth at entry from a level
 constexpr int kEntryCredit = 3; // quiet tactical moves that a line may hold
 
-// Each rule holds at plies below its limit; every line ends at kLastPly.
+// Each rule holds at plies below its limit.
 constexpr int kBishopMoveLimit = 7;
 constexpr int kThreatLimit = 8;
 constexpr int kForkPushLimit = 9;
-constexpr int kFollowUpLimit = 9;
+constexpr int kFollowUpLimit = 9; // the extra quiet check two plies below the horizon
 constexpr int kCheckLimit = 10;
 
-constexpr int kFirstThreatPly = 2;   // a fresh knight fork needs a move before it
-constexpr int kThreatDepth = 2;      // and threats this much depth left
+constexpr int kFirstForkPly = 2;     // a fresh knight fork is not looked for at ply 1
+constexpr int kThreatDepth = 2;      // threats are looked for with at least this depth left
 constexpr int kTacticsCredit = 2;    // fork threats and bishop moves need this much credit left
-constexpr int kFollowUpDistance = 2; // from the horizon to the next node of the same side
+constexpr int kFollowUpDistance = 2; // plies from the horizon to the same side's next node
 
-constexpr int kQuietCheckNodeBudget = 32; // nodes behind quiet moves before new quiet checks end
-constexpr int kQuietLineNodeCap = 64;     // nodes behind quiet moves before depth is cut to kCappedDepth
-constexpr int kPlainLineNodeCap = 64;     // the same on plain lines
+constexpr int kQuietCheckNodeBudget = 32; // from so many nodes below quiet moves on, no new quiet check is played,
+constexpr int kHorizonExtraChecks = 2;    // but for these at the horizon node
+constexpr int kFollowUpExtraChecks = 1;   // and these at the same side's next node
+
+constexpr int kQuietLineNodeCap = 64; // from so many nodes below quiet moves on, depth is cut to kCappedDepth
+constexpr int kPlainLineNodeCap = 64; // the same for nodes that are not below one
 constexpr int kCappedDepth = 1;
-constexpr int kHorizonExtraChecks = 2;  // quiet checks over the budget at the horizon node
-constexpr int kFollowUpExtraChecks = 1; // and at the same side's next node
-constexpr int kExtraFloorPlies = 2;
+
+constexpr int kExtraFloorPlies = 2; // FloorPlies that bishop moves and extra checks give their line
 constexpr int kBishopMovesPerNode = 2;
 
 // Why a node has no stand-pat although it is not in check.
@@ -52,7 +54,7 @@ int QuietLineDepth; // quiet tactical moves on the current line
 int QuietLineNodes; // nodes visited behind one
 int PlainLineNodes; // the others
 
-// What a node is asked, and below that the locals that its passes share.
+// The arguments of a node, and below them what its stages share.
 struct QuiescenceNode {
   int Depth; // remaining capture depth, may be negative
   int Ply;
@@ -61,7 +63,7 @@ struct QuiescenceNode {
   int QuietCredit; // quiet tactical moves that the line may still hold
   ForcedReply Forced;
   ScoreRange Range; // what the callers can tell apart of the node's score
-  int FloorPlies;   // plies, this one included, at which the depth does not fall below 1
+  int FloorPlies;   // plies, this one included, at which the depth is held at 1 or more; 0 for none
 
   int Best;
   int ExtraChecks;  // quiet checks that may be played over the budget
@@ -69,8 +71,8 @@ struct QuiescenceNode {
   int BishopTarget; // what they aim at, kNoSquare for none
 };
 
-// The first node of a quiescence tree, and those that look like it: at CurrentDepth with all their credit.
-bool IsHorizon(const QuiescenceNode &node) { return node.QuietCredit == kEntryCredit && node.Ply == CurrentDepth; }
+// The first node of a quiescence tree.
+bool IsHorizon(const QuiescenceNode &node) { return node.Ply == CurrentDepth; }
 
 bool MayPlayQuietCheck(const QuiescenceNode &node) {
   return QuietLineNodes < kQuietCheckNodeBudget || node.ExtraChecks > 0;
@@ -179,7 +181,7 @@ template <Side Us> ForcedReply FindForcedReply(const QuiescenceNode &node, int r
     return node.Forced;
   if (node.QuietCredit >= kTacticsCredit && QuietLineNodes < kQuietCheckNodeBudget && HasPawnForkPush<them>())
     return kPawnForkThreat;
-  if (node.Ply >= kFirstThreatPly && IsHorizon(node) && HasFreshKnightFork<them>(node.Ply))
+  if (node.Ply >= kFirstForkPly && IsHorizon(node) && HasFreshKnightFork<them>(node.Ply))
     return kForkOnBoard;
   return kNotForced;
 }
@@ -227,9 +229,9 @@ template <Side Us> bool TryCaptures(QuiescenceNode &node, MoveSets &moves, const
       AddBishopManoeuvres<Us>(moves, info, node.BishopTarget, node.Ply);
     return TryMoves<Us, Stage::kCaptureZone>(node, moves);
   }
-  // Squares of our pieces before the enemy's move: where one of them stood and can be taken back on.
-  const Bitboard takenByThem = UndoStack[node.Ply - 1].BySide[Us];
-  GenerateRecaptures<Us>(moves, info, takenByThem, node.Ply < kCheckLimit);
+  // A capture where a piece of ours stood before the enemy's move is a recapture.
+  const Bitboard ownBefore = UndoStack[node.Ply - 1].BySide[Us];
+  GenerateRecaptures<Us>(moves, info, ownBefore, node.Ply < kCheckLimit);
   return TryMoves<Us, Stage::kOrdinary>(node, moves);
 }
 
@@ -241,30 +243,35 @@ template <Side Us> void TryQuietChecks(QuiescenceNode &node, MoveSets &moves, co
   TryMoves<Us, Stage::kQuietChecks>(node, moves);
 }
 
+// Threats that must be met, and what a node without one is allowed. It comes before the node is counted, and so sees
+// the counters as the nodes before it left them.
+template <Side Us> void PrepareTactics(QuiescenceNode &node, int remaining, bool inCheck) {
+  node.ExtraChecks = 0;
+  node.BishopMoves = 0;
+  node.BishopTarget = kNoSquare;
+  if (inCheck)
+    return;
+  node.Forced = FindForcedReply<Us>(node, remaining);
+  if (node.Forced != kNotForced)
+    return;
+  node.ExtraChecks = AllowExtraChecks(node);
+  node.BishopTarget = ChooseBishopTarget<Us>(node, remaining);
+}
+
 template <Side Us> int Search(QuiescenceNode &node) {
   assert(node.Ply >= 1 && node.Ply <= kLastPly && node.Alpha < node.Beta && PositionIsOk());
 
   // 1. Stops and repetitions.
   if (PollStop() || IsRepetitionDraw(Us, node.Ply))
     return 0;
+
+  // 2. Checks, threats, allowances.
   const int remaining = std::min(kLastPly - node.Ply, node.Depth);
   const CheckInfo info = FindCheckInfo<Us>();
   const bool inCheck = info.Checkers != 0;
+  PrepareTactics<Us>(node, remaining, inCheck);
 
-  // 2. Threats that must be met, and what a node without one is allowed. They come before the node is counted, and so
-  // see the counters as the nodes before it left them.
-  node.ExtraChecks = 0;
-  node.BishopMoves = 0;
-  node.BishopTarget = kNoSquare;
-  if (!inCheck) {
-    node.Forced = FindForcedReply<Us>(node, remaining);
-    if (node.Forced == kNotForced) {
-      node.ExtraChecks = AllowExtraChecks(node);
-      node.BishopTarget = ChooseBishopTarget<Us>(node, remaining);
-    }
-  }
-
-  // 3. Mate and stalemate go before every other end of the game, and such nodes are not counted.
+  // 3. Mate and stalemate go before the draws that are left, and such nodes are not counted.
   MoveSets moves;
   if (inCheck) {
     GenerateLegalMoves<Us>(moves, info);
@@ -274,12 +281,12 @@ template <Side Us> int Search(QuiescenceNode &node) {
     return 0;
   }
 
-  // 4. Counts and other draws.
+  // 4. Counts, and the other draws.
   node.Depth = CountTowardsCaps(remaining);
   if (IsMaterialOrClockDraw())
     return 0;
 
-  // 5. The hard end of every line, in check or not; before it, checks and floors leave at least one ply of depth.
+  // 5. The hard end of every line, in check or not. Above it a check or a floor holds the depth at 1 or more.
   if (node.Ply >= kLastPly)
     return StaticScore(node);
   node.Depth = std::max(node.Depth, node.FloorPlies > 0 || inCheck ? 1 : node.Depth);

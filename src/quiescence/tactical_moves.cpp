@@ -1,5 +1,7 @@
 #include "quiescence/tactical_moves.h"
 
+#include <cassert>
+
 #include "quiescence/check_squares.h"
 #include "quiescence/predicates.h"
 
@@ -9,7 +11,8 @@ namespace {
 
 template <Side Us> Bitboard Victims() { return Position.BySide[Opposite(Us)] & ~Pieces(kKing); }
 
-// Captures on the squares given, en passant apart, and pushes onto others. Inlined, as the calls know half of it.
+// Captures on victims, without en passant, and pushes to pushSquares. Always inlined, as most arguments are constants
+// where it is called.
 template <Side Us>
 [[gnu::always_inline]] inline void GenerateCapturesAndPushes(MoveSets &moves, const CheckInfo &info, Bitboard victims,
                                                              Bitboard pushSquares) {
@@ -20,11 +23,11 @@ template <Side Us>
   SetTargets(moves, info.King, KingSteps<Us>(info.King, victims));
 }
 
-// Leaves of the captures those on the squares given and, of the others, those that give check.
-void KeepRecapturesAndChecks(MoveSets &moves, Bitboard retaken, const CheckSquares &checks) {
+// Keeps captures on the squares given and captures that give check.
+void KeepRecapturesAndChecks(MoveSets &moves, Bitboard recaptures, const CheckSquares &checks) {
   for (Bitboard froms = moves.Froms; froms != 0;) {
     const int from = PopLsb(froms);
-    RestrictTargets(moves, from, retaken | CheckingTargetsOf(checks, from, TypeOf(PieceOn(from))));
+    RestrictTargets(moves, from, recaptures | CheckingTargetsOf(checks, from, TypeOf(PieceOn(from))));
   }
 }
 
@@ -36,8 +39,8 @@ void AddDiscoveries(MoveSets &moves, const CheckInfo &info, const CheckSquares &
     return;
   MoveSets all;
   GenerateLegalMoves<Us>(all, info);
-  for (Bitboard men = checks.Discoverers & all.Froms; men != 0;) {
-    const int from = PopLsb(men);
+  for (Bitboard movers = checks.Discoverers & all.Froms; movers != 0;) {
+    const int from = PopLsb(movers);
     const PieceType type = TypeOf(PieceOn(from));
     Bitboard targets = all.Targets[from] & (type == kPawn ? wantedOfPawns : wanted);
     if (type == kKing) // castling has rules of its own
@@ -72,12 +75,14 @@ template <Side Us> void AddCastlingChecks(MoveSets &moves, const CheckInfo &info
 } // namespace
 
 template <Side Us> void GenerateCaptureZone(MoveSets &moves, const CheckInfo &info, bool withForkPushes) {
+  assert(info.Checkers == 0);
   GenerateCapturesAndPushes<Us>(moves, info, Victims<Us>(), kLastRows | (withForkPushes ? PawnForkSquares<Us>() : 0));
   for (Bitboard pawns = EnPassantCapturers<Us>(); pawns != 0;)
     AddTargets(moves, PopLsb(pawns), EnPassantSet());
 }
 
 template <Side Us> void AddBishopManoeuvres(MoveSets &moves, const CheckInfo &info, int target, int ply) {
+  assert(info.Checkers == 0);
   const Bitboard diagonals = BishopAttacks(target, 0) & ~Occupied();
   const Bitboard pinned = PinnedPieces<Us>(info);
   SaveState(ply);
@@ -97,13 +102,14 @@ template <Side Us> void AddBishopManoeuvres(MoveSets &moves, const CheckInfo &in
   }
 }
 
-template <Side Us> void GenerateRecaptures(MoveSets &moves, const CheckInfo &info, Bitboard retaken, bool withChecks) {
+template <Side Us>
+void GenerateRecaptures(MoveSets &moves, const CheckInfo &info, Bitboard ownBefore, bool withChecks) {
   const Bitboard victims = Victims<Us>();
-  retaken &= victims;
-  GenerateCapturesAndPushes<Us>(moves, info, withChecks ? victims : retaken, 0);
+  const Bitboard recaptures = ownBefore & victims;
+  GenerateCapturesAndPushes<Us>(moves, info, withChecks ? victims : recaptures, 0);
   // Often nothing can be taken at all, and the checks need not be known.
   if (withChecks && moves.Froms != 0)
-    KeepRecapturesAndChecks(moves, retaken, FindCheckSquares<Us>());
+    KeepRecapturesAndChecks(moves, recaptures, FindCheckSquares<Us>());
 }
 
 template <Side Us> void GenerateQuietChecks(MoveSets &moves, const CheckInfo &info, bool behindCaptureZone, int ply) {
@@ -111,7 +117,8 @@ template <Side Us> void GenerateQuietChecks(MoveSets &moves, const CheckInfo &in
   const CheckSquares checks = FindCheckSquares<Us>();
   const auto from = [&](PieceType type) { return empty & checks.From[type]; };
   moves.Froms = 0;
-  GeneratePieceMoves<Us>(moves, {from(kRook), from(kKnight), from(kBishop), from(kQueen)});
+  GeneratePieceMoves<Us>(
+      moves, {.Rook = from(kRook), .Knight = from(kKnight), .Bishop = from(kBishop), .Queen = from(kQueen)});
   GeneratePawnMoves<Us>(moves, 0, from(kPawn));
   RestrictPinned<Us>(moves, info);
   AddDiscoveries<Us>(moves, info, checks, empty, empty & ~EnPassantSet() & ~(behindCaptureZone ? kLastRows : 0));
@@ -124,8 +131,8 @@ template void GenerateCaptureZone<kWhite>(MoveSets &moves, const CheckInfo &info
 template void GenerateCaptureZone<kBlack>(MoveSets &moves, const CheckInfo &info, bool withForkPushes);
 template void AddBishopManoeuvres<kWhite>(MoveSets &moves, const CheckInfo &info, int target, int ply);
 template void AddBishopManoeuvres<kBlack>(MoveSets &moves, const CheckInfo &info, int target, int ply);
-template void GenerateRecaptures<kWhite>(MoveSets &moves, const CheckInfo &info, Bitboard retaken, bool withChecks);
-template void GenerateRecaptures<kBlack>(MoveSets &moves, const CheckInfo &info, Bitboard retaken, bool withChecks);
+template void GenerateRecaptures<kWhite>(MoveSets &moves, const CheckInfo &info, Bitboard ownBefore, bool withChecks);
+template void GenerateRecaptures<kBlack>(MoveSets &moves, const CheckInfo &info, Bitboard ownBefore, bool withChecks);
 template void GenerateQuietChecks<kWhite>(MoveSets &moves, const CheckInfo &info, bool behindCaptureZone, int ply);
 template void GenerateQuietChecks<kBlack>(MoveSets &moves, const CheckInfo &info, bool behindCaptureZone, int ply);
 

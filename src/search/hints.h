@@ -1,4 +1,4 @@
-// The host's hints: numbers that decide between root moves of equal score.
+// The host's hints: of root moves with equal scores, one with a greater bonus is preferred.
 #pragma once
 
 #include <array>
@@ -9,13 +9,15 @@ namespace zorvane {
 
 constexpr int kHintLimit = 256;
 
-// Bonus and penalty are the host's own numbers, without a unit: they are only compared with those of other hints.
+// The host's own numbers, without a unit: they are only compared with those of other hints. The bonus decides; bonus
+// less penalty only tells which MoveReason is reported.
 struct HintValues {
   double Bonus;
   double Penalty;
 };
 
-// The move as coordinate text for an opening hint, such as "e2e4", or as digits for an endgame hint, such as "46440".
+// The move as coordinate text for an opening hint, such as "e2e4", or as the digits of MoveIdTextForPiece for an
+// endgame hint, such as "46440".
 struct Hint {
   std::array<char, 8> Text;
   HintValues Values;
@@ -28,8 +30,8 @@ void ClearHints();
 void AddHint(const Hint &hint);
 bool IsHintListFull();
 
-// Which kind of hints counts in the current position: endgame hints with 3 to 8 pieces on the board, where these are
-// wanted, else opening hints in the first sixteen half-moves of the game.
+// Which kind of hints counts in the current position: with useEndgameHints and 3 to 8 pieces on the board, pawns and
+// kings included, endgame hints; else opening hints in the first sixteen half-moves of the game.
 HintMode ChooseHintMode(bool useHints, bool useEndgameHints);
 
 // The values of the first hint for the move, 0 and 0 when there is none. Endgame hints have no penalty.

@@ -10,10 +10,10 @@ namespace zorvane {
 
 namespace {
 
-// Quiet moves order below every capture: the worst capture is some ten thousand above 0, a seen move's score spans
-// two million.
-constexpr int kSeenQuietOrder = -2000001; // plus the last pass's score
-constexpr int kUnseenQuietOrder = -3000002;
+// Below quiet checks come the quiet moves that the last pass scored, over the whole range of scores, and below these
+// the others.
+constexpr int kSeenQuietOrder = kQuietCheckScore - kInfinity - 1; // plus the last pass's score
+constexpr int kUnseenQuietOrder = kSeenQuietOrder - kInfinity - 1;
 
 // Scores from the root side's view, in the order of search.
 RootList RootResults;

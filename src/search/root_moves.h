@@ -1,11 +1,12 @@
-// The moves of the root in the order of a pass, and the scores that the last pass gave them.
+// The moves of the root in the order of a pass, one iteration's loop over them, and the scores that passes gave them.
 #pragma once
 
 #include "board/move_list.h"
 
 namespace zorvane {
 
-// One more than a level's list. Beyond it moves are dropped.
+// Captures and quiet moves together. Only placements that no game reaches have more moves; which of them are dropped is
+// part of what the engine answers, so the number stays.
 constexpr int kRootMoveLimit = 257;
 
 using RootList = MoveList<kRootMoveLimit>;
@@ -16,14 +17,15 @@ void ClearRootResults();
 // Forgets the results of the running pass, as each pass does at its start.
 void BeginRootResults();
 
-// Notes the score of a searched root move, from White's view.
+// Appends the score of a searched root move, from White's view, to the results of the running pass.
 void AddRootResult(PackedMove move, int score);
 
-// The pass is finished: its results order the moves of the next one.
+// The running pass is finished: its results order the moves of the next one. Those of a stopped pass never do.
 void KeepRootResults();
 
 // Fills the list with the legal moves of SideToMove: captures by victim and attacker, then quiet checks, then other
-// quiet moves by their score in the last finished pass, the better for the side the earlier, then those without one.
+// quiet moves, best first for the side to move by their score in the last finished pass, then those without one.
+// Overwrites UndoStack slot 0.
 void BuildRootMoveList(RootList &list);
 
 } // namespace zorvane

@@ -3,7 +3,6 @@
 #include "board/position_key.h"
 #include "board/rules.h"
 #include "evaluation/evaluate.h"
-#include "quiescence/quiescence_search.h"
 #include "search/best_line.h"
 #include "search/root_moves.h"
 #include "search/search_levels.h"
@@ -16,13 +15,13 @@ namespace zorvane {
 namespace {
 
 constexpr int kRepeatPenalty = 60;    // centipawns
-constexpr int kRepeatThreshold = 200; // from this score on a repetition is no friend
+constexpr int kRepeatThreshold = 200; // centipawns; from this score on repeating is penalised
 
-constexpr int kTieSearches = 2;
+constexpr int kTieSearches = 2; // second searches for hints in a pass
 
 RootList RootMoveList;
 
-// The locals of a pass.
+// The state of one pass.
 struct RootPass {
   HintMode Hints;
   int StaticScore; // from the root side's view
@@ -34,7 +33,7 @@ struct RootPass {
 bool IsBetter(int score, int best) { return SideToMove == kWhite ? score > best : score < best; }
 
 // Draws a clearly good score towards equality when the move on the board repeats a position of the game.
-int RepeatPenalty(const RootPass &pass, int score) {
+int ApplyRepeatPenalty(const RootPass &pass, int score) {
   if (IsMateScore(score) || pass.StaticScore < kRepeatThreshold || CountRepetitions(Opposite(SideToMove), 1, 1) == 0)
     return score;
   if (SideToMove == kWhite)
@@ -46,13 +45,14 @@ int RepeatPenalty(const RootPass &pass, int score) {
 int SearchChild(const RootPass &pass, PackedMove move, int alpha, int beta) {
   SaveState(0);
   MakeMove(FromOf(move), ToOf(move));
-  const int score = RepeatPenalty(pass, SearchLevels(Opposite(SideToMove), alpha, beta));
+  const int score = ApplyRepeatPenalty(pass, SearchLevels(Opposite(SideToMove), alpha, beta));
   RestoreState(0);
   return score;
 }
 
-// Whether a move of the best score replaces the best by its hint: searched again, it must keep its score. reason is set
-// when it does. False also when it was stopped.
+// Whether a move with the best score replaces the best by its hint. The score may be a bound that only looks equal, so
+// the move is searched again, with the full window, and must keep it; score becomes that of the second search in any
+// case. Sets reason when the tie is won. False also when it was stopped.
 bool WinsTie(RootPass &pass, const HintValues &hint, PackedMove move, int &score, MoveReason &reason) {
   if (pass.Hints == HintMode::kNone || score != pass.Best.Score || !(hint.Bonus > pass.BestHint.Bonus) ||
       pass.TieSearches >= kTieSearches)
@@ -70,7 +70,8 @@ bool WinsTie(RootPass &pass, const HintValues &hint, PackedMove move, int &score
   return true;
 }
 
-// Searches one root move, again with the full window when it improves, and records it. False when it was stopped.
+// Searches one root move and records it. One that improves on the best is searched again with the full window, which
+// also fills table, killers and history: the second search is part of the tree. False when it was stopped.
 bool TryRootMove(RootPass &pass, PackedMove move) {
   const int from = FromOf(move);
   const int to = ToOf(move);
@@ -128,8 +129,7 @@ bool SearchRoot(PackedMove firstMove, HintMode hints, RootChoice &best) {
   if (ShouldStop())
     return false;
 
-  // A bonus must exceed that of the best move, which it cannot before there is one.
-  RootPass pass{hints, staticScore, best, {-kInfinity, 0}, 0};
+  RootPass pass{hints, staticScore, best, {}, 0};
   if (!TryRootMoves(pass, firstMove == kNoMove ? remembered : firstMove))
     return false;
   if (best.Move != kNoMove)

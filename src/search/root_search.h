@@ -6,7 +6,7 @@
 
 namespace zorvane {
 
-// Why a root move is the best.
+// Why a root move is the best. Responses hold these numbers.
 enum class MoveReason {
   kScore = 0,
   kOpeningHint = 1,       // among equal scores, by a greater bonus
@@ -21,9 +21,9 @@ struct RootChoice {
   MoveReason Reason;
 };
 
-// Searches the moves of the root for SideToMove at CurrentDepth, firstMove before all others; kNoMove leaves the first
-// of all to the table. True when the pass was finished: best is its best move, the line stands in row 0 of the
-// best-line table and the scores of all moves in the root results. False when it was stopped: best is the best so far.
+// Searches the moves of the root for SideToMove at CurrentDepth, firstMove before all others; with kNoMove the table's
+// move comes first. True when the pass was finished: best is its best move, the best line of ply 0 and the root results
+// are complete, and the table has the move. False when it was stopped: best is the best so far, if there is one.
 bool SearchRoot(PackedMove firstMove, HintMode hints, RootChoice &best);
 
 } // namespace zorvane

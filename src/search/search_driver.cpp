@@ -19,11 +19,10 @@ namespace {
 
 SearchResult LastResult;
 
-// Memories of one search. The table alone outlives it, with the pawn cache, which never changes a value.
+// Clears what lives for one search. The table outlives it, and the pawn cache, which never changes a value.
 void ClearSearchMemory() {
   ClearRootResults();
   FinalPvClear();
-  ClearKillers();
   ClearHistory();
 }
 
@@ -35,14 +34,13 @@ RootChoice DefaultChoice(const MoveSets &moves) {
   return {PackMove(from, to), Evaluate(), MoveReason::kScore};
 }
 
-// The answer of a position without a legal move, mate or a draw, stands before the pass over its root: a stop may leave
-// nothing of that.
+// The answer of a position without a legal move. Not left to SearchRoot, which answers nothing when it is stopped.
 RootChoice ChoiceWithoutMoves() {
   return {kNoMove, IsInCheck(SideToMove) ? MatedScore(SideToMove, 0) : 0, MoveReason::kScore};
 }
 
 // Deepens until a limit, a stop or a mate. best holds the default answer and takes that of each finished iteration, or
-// what the first one has found when it is cut off.
+// the best found so far when the first one is cut off.
 void Iterate(int maxDepth, HintMode hints, RootChoice &best, SearchResult &result) {
   PackedMove previousBestMove = kNoMove;
   for (int depth = 1; depth <= maxDepth && !ShouldStop(); ++depth) {
@@ -95,7 +93,7 @@ void RunSearch(const SearchLimits &limits, const SearchOptions &options) {
     best = ChoiceWithoutMoves();
     RootChoice none;
     BeginIteration(1);
-    SearchRoot(kNoMove, hints, none); // what it evaluates shows in the table
+    SearchRoot(kNoMove, hints, none); // evaluating the root displaces a slot of the table
   } else {
     best = DefaultChoice(moves);
     ArmDeadline(start + limits.TimeLimitSeconds * 1000.0);

@@ -19,7 +19,8 @@ namespace {
 
 constexpr int kFirstLevel = 1;
 
-// This iteration neither asks nor changes the table: its first moves come from the last best line alone.
+// In this iteration the levels neither ask nor change the table: their first moves come from the last best line alone.
+// It is so by definition of the tree; the root and evaluations use the table as ever.
 constexpr int kIterationWithoutTable = 3;
 
 // The locals of a node.
@@ -52,9 +53,9 @@ PackedMove ProbeHashMove(int ply, Side side) {
   return onLine != kNoMove ? onLine : remembered;
 }
 
-// A child's score that is no better than the best so far leaves no trace. Beyond the other end of the node's own range
-// any score cuts the node at once. The range's near end does not count: scores there choose the best line and the move
-// for the table, though the callers cannot tell them apart.
+// For White: a child's score at or below the best so far leaves no trace, so Best is the floor. It is not raised to the
+// node's own floor: the callers cannot tell scores below that apart, but such scores choose this node's best line and
+// its move for the table. From the node's ceiling on, any score cuts at once. For Black the other way round.
 template <Side Us> ScoreRange ChildRange(const LevelNode &node) {
   if constexpr (Us == kWhite)
     return {node.Best, node.Range.Ceiling};

@@ -1,6 +1,5 @@
 #include "search/stop_control.h"
 
-#include <array>
 #include <atomic>
 #include <cassert>
 #include <cstdint>
@@ -26,15 +25,15 @@ bool DeadlineArmed;
 double Deadline; // milliseconds on ProgramClock
 double ProgramStartMs;
 
-std::array<char, 4096> CancelPath; // empty for none
-double LastCancelPoll;             // milliseconds on ProgramClock
+char CancelPath[kPathBufferSize]; // empty for none
+double LastCancelPoll;            // milliseconds on ProgramClock
 
 void PollCancelFile() {
   const double now = ProgramClock();
   if (now - LastCancelPoll < kCancelPollMs)
     return;
   LastCancelPoll = now;
-  if (CanOpenForReading(CancelPath.data()))
+  if (CanOpenForReading(CancelPath))
     RequestStop();
 }
 
@@ -45,8 +44,8 @@ void ClearStopRequest() { StopFlag.exchange(0); }
 bool IsStopRequested() { return StopFlag.load(std::memory_order_relaxed) != 0; }
 
 void WatchCancelFile(const char *path) {
-  assert(std::strlen(path) < CancelPath.size());
-  std::snprintf(CancelPath.data(), CancelPath.size(), "%s", path);
+  assert(std::strlen(path) < sizeof CancelPath);
+  std::snprintf(CancelPath, sizeof CancelPath, "%s", path);
 }
 
 void StartProgramClock() { ProgramStartMs = PerformanceMilliseconds(); }
@@ -72,7 +71,6 @@ bool ShouldStop() {
     SearchAborted = true;
     return true;
   }
-  // A position without a legal move has no time limit, and its answer is the same in any case.
   if (!DeadlineArmed)
     return false;
   if (!SearchAborted && ProgramClock() >= Deadline)
