@@ -2,8 +2,8 @@
 import os
 import unittest
 
-from engine_process import DATA, LARGEST_TREE, SAMPLE, native_only, run_engine, run_in_shell, side_by_side, table, \
-    without_times
+from engine_process import (DATA, LARGEST_TREE, SAMPLE, native_only, run_engine, run_in_shell, side_by_side, table,
+                            without_times)
 
 BOX = 'Zorvane C-Engine\nOK, bin da.\n\nZorvane C-Engine wurde gestartet.\nKeine Schachberechnung ausgefuehrt.\n'
 
