@@ -15,7 +15,7 @@ import unittest.mock
 from engine_process import ENGINE, HANG_S, LONG_SEARCH, ROOT, RequestCase, comparable, request_text
 
 sys.path.insert(0, str(ROOT / 'tools'))
-import zorvane_requests
+import zorvane_requests  # noqa: E402
 
 HOST = [sys.executable, str(ROOT / 'tools' / 'zorvane-host'), '--engine', shlex.join(ENGINE)]
 ENDLESS = LONG_SEARCH + ' depth=8 time=300000'

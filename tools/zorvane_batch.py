@@ -1,6 +1,6 @@
 # Many searches side by side by Zorvane's request files: what the command line tools share.
 #
-#     with Batch(find_engine(None), jobs=4) as batch:
+#     with Batch(find_engine(), jobs=4) as batch:
 #         for request, result in batch.results(requests):
 #             ...
 #     if batch.interrupts:
@@ -12,7 +12,6 @@
 import argparse
 import os
 import pathlib
-import re
 import shlex
 import shutil
 import signal
@@ -26,7 +25,7 @@ from zorvane_requests import CANCEL_IT, GO_ON, KILL_IT, POLL_S, Problem, clean_u
 
 REQUEST_SUFFIX = '.request'
 MOST_WAITING = 4096  # results that wait for an earlier one
-HANGUP = getattr(signal, 'SIGHUP', None)  # which Windows has not
+HANGUP = getattr(signal, 'SIGHUP', signal.SIGTERM)  # Windows has none
 PROGRAM = 'zorvane.exe' if os.name == 'nt' else 'zorvane'
 # From the folder above this one: a build, the unpacked package for Windows, an installation.
 PROGRAM_FOLDERS = ('build/release', '.', '../bin')
@@ -34,25 +33,29 @@ PROGRAM_FOLDERS = ('build/release', '.', '../bin')
 
 # The words of a command line by the rules of the system's shell.
 def split_command(command, windows=os.name == 'nt'):
+    words = shlex.shlex(command, posix=True)
+    words.whitespace_split, words.commenters = True, ''
+    if windows:
+        words.quotes, words.escape = '"', ''
     try:
-        if not windows:
-            return shlex.split(command)
-        if command.count('"') % 2:
-            raise ValueError('No closing quotation')
-        return [word.replace('"', '') for word in re.findall(r'(?:[^\s"]|"[^"]*")+', command)]
+        return list(words)
     except ValueError:
         raise Problem(f'the engine {command} has a quotation that does not end') from None
 
 
-# The engine's command line as a list: a program, or a program and its first arguments. None is the default.
-def find_engine(command):
+# The engine's command line as a list: a program, or a program and its first arguments. None is the default. One to
+# `run_here` must be there.
+def find_engine(command=None, run_here=True):
     if command is None:
         above = pathlib.Path(__file__).resolve().parent.parent
         near = (above / folder / PROGRAM for folder in PROGRAM_FOLDERS)
-        return [next((os.path.normpath(program) for program in near if program.is_file()), PROGRAM)]
-    engine = [command] if shutil.which(command) else split_command(command)
+        engine = [next((os.path.normpath(program) for program in near if program.is_file()), PROGRAM)]
+    else:
+        engine = [command] if shutil.which(command) else split_command(command)
     if not engine:
         raise Problem('the name of the engine is empty')
+    if run_here and not shutil.which(engine[0]):
+        raise Problem(f'there is no engine {engine[0]} to run: build it, or name it with --engine')
     return engine
 
 
@@ -60,26 +63,25 @@ def request_path(folder, number):
     return folder / f'{number:06}{REQUEST_SUFFIX}'
 
 
-# Engines that work side by side, one on each request. Without a folder for the files it makes one of its own.
+# Engines that work side by side, one on each request. Without a folder for the files it makes one of its own. It
+# shows its progress, of `total` requests where that is known.
 #
 # Inside the context a first Ctrl-C, SIGTERM or SIGHUP cancels what runs and starts nothing more, a second kills;
 # `results` ends behind what was started. Leaving it cancels what still runs and waits for it.
 class Batch:
-    def __init__(self, engine, folder=None, jobs=1, keep=False, progress=lambda finished, running: None):
-        self.engine, self.folder, self.jobs, self.keep, self.progress = engine, folder, jobs, keep, progress
-        self.interrupts = 0
+    def __init__(self, engine, folder=None, jobs=1, keep=False, total=None, quiet=True):
+        self.engine, self.folder, self.jobs, self.keep = engine, folder, jobs, keep
+        self.progress = Progress(total, quiet)
         self.leaving = self.ended = False
-        self.workers = self.started = self.given = 0
-        self.finished = {}
+        self.interrupts = self.started = self.given = 0
+        self.finished = {}  # but not given, by number
         self.reading = threading.Lock()
         self.changed = threading.Condition()
 
     def __enter__(self):
-        if not shutil.which(self.engine[0]):
-            raise Problem(f'there is no engine {self.engine[0]} to run: build it, or name it with --engine')
-        caught = [signal.SIGINT, signal.SIGTERM]
-        if HANGUP and signal.getsignal(HANGUP) != signal.SIG_IGN:  # else nohup wants it ignored
-            caught.append(HANGUP)
+        caught = {signal.SIGINT, signal.SIGTERM, HANGUP}
+        if signal.getsignal(HANGUP) == signal.SIG_IGN:  # as nohup wants it
+            caught.remove(HANGUP)
         self.handlers = {number: signal.signal(number, self._interrupt) for number in caught}
         self.temporary = None if self.folder else tempfile.TemporaryDirectory(prefix='zorvane-')
         self.folder = self.folder or pathlib.Path(self.temporary.name)
@@ -101,17 +103,18 @@ class Batch:
         self._add_worker()
         while True:
             with self.changed:
-                while self.given + 1 not in self.finished:
-                    if self.given == self.started and (self.ended or self.interrupts):
-                        return
+                finished = self.given + len(self.finished)
+                end = self.given == self.started and (self.ended or self.interrupts)
+                self.progress.show(finished, self.started - finished, end)
+                if end:
+                    return
+                if self.given + 1 not in self.finished:
                     self.changed.wait(POLL_S)
-                    self._show_progress()
-                request, result = self.finished.pop(self.given + 1)
+                    continue
                 self.given += 1
-                self.changed.notify_all()
+                request, result = self.finished.pop(self.given)
             if isinstance(result, Exception):
                 raise result
-            self._show_progress()
             yield request, result
 
     def _interrupt(self, *_):
@@ -120,28 +123,19 @@ class Batch:
     def _urgency(self):
         return KILL_IT if self.interrupts > 1 else CANCEL_IT if self.interrupts or self.leaving else GO_ON
 
-    def _show_progress(self):
-        finished = self.given + len(self.finished)
-        self.progress(finished, self.started - finished)
-
     def _add_worker(self):
         # A worker may wait for input for ever; as a daemon it does not keep the program from ending.
         try:
             threading.Thread(target=self._work, daemon=True).start()
-            self.workers += 1
         except RuntimeError:
-            self.jobs = self.workers  # The system gives no more.
+            self.jobs = self.started  # The system gives no more.
 
     def _work(self):
-        while True:
-            with self.reading:
-                number, request = self._take()
-            if not number:
-                return
+        for number, request in iter(self._take, None):
+            path = request_path(self.folder, number)
             try:
                 if isinstance(request, Exception):
                     raise request
-                path = request_path(self.folder, number)
                 try:
                     result = run(self.engine, path, request, self._urgency)
                 finally:
@@ -153,42 +147,40 @@ class Batch:
                 self.finished[number] = request, result
                 self.changed.notify_all()
 
-    # The next number and request, or what was raised instead; none when nothing more is to be started.
+    # The next number and request, or what was raised instead; None when nothing more is to be started.
     def _take(self):
-        with self.changed:
+        with self.reading:
             while self.started - self.given >= MOST_WAITING + self.jobs and not self._urgency():
-                self.changed.wait(POLL_S)
-        try:
-            request = None if self.ended or self._urgency() else next(self.source, None)
-        except Exception as problem:
-            request = problem
-        with self.changed:
-            if request is None or self._urgency():
-                self.ended = True
-                self.changed.notify_all()
-                return None, None
-            self.started += 1
-            if self.workers < self.jobs:
-                self._add_worker()
-            return self.started, request
+                time.sleep(POLL_S)
+            try:
+                request = None if self.ended or self._urgency() else next(self.source, None)
+            except Exception as problem:
+                request = problem
+            with self.changed:
+                if request is None or self._urgency():
+                    self.ended = True
+                    self.changed.notify_all()
+                    return None
+                self.started += 1
+                if self.started < self.jobs:  # Until then there is a worker for each.
+                    self._add_worker()
+                return self.started, request
 
 
 # A line on standard error: rewritten in place on a terminal, now and then elsewhere.
 class Progress:
-    def __init__(self, total=None, quiet=False):
+    def __init__(self, total, quiet):
         self.total = total
         self.quiet = quiet or sys.stderr is None
         self.terminal = not self.quiet and sys.stderr.isatty()
-        self.interval_s = 0.2 if self.terminal else 2.0
-        self.start = self.last = time.monotonic()
+        self.start, self.last_s = time.monotonic(), 0
 
     def show(self, finished, running, end=False):
-        now = time.monotonic()
-        if self.quiet or not (end or now - self.last >= self.interval_s):
+        elapsed = time.monotonic() - self.start
+        if self.quiet or not end and elapsed - self.last_s < (0.2 if self.terminal else 2):
             return
-        self.last = now
+        self.last_s = elapsed
         self.wipe()
-        elapsed = now - self.start
         of = f' of {self.total}' if self.total is not None else ''
         text = f'{finished}{of} done, {running} running, {elapsed:.1f} s'
         if finished and self.total and not end:

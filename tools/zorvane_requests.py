@@ -12,7 +12,6 @@
 #   missing    no answer yet: the engine still works, was killed, or has never run
 # docs/request-protocol.md tells what the files say. Needs Python 3.9 (dictionaries joined with "|").
 import dataclasses
-import itertools
 import os
 import secrets
 import signal
@@ -40,8 +39,6 @@ GO_ON, CANCEL_IT, KILL_IT = range(3)
 POLL_S = 0.05
 OVERDUE_S = 10  # what an engine may take beyond its time limit, to start on a busy machine and to write
 HEED_CANCEL_S = 5
-# Makes the tokens of this process unlike all others.
-RUN, REQUESTS = secrets.token_hex(4), itertools.count(1)
 
 
 class Problem(Exception):
@@ -56,7 +53,7 @@ class Request:
     hash_kib: int = 1024
     flags: tuple = (1, 1, 0, 1)
     hints: tuple = ()  # of lines "move bonus penalty"
-    token: str = dataclasses.field(default_factory=lambda: f'{RUN}-{next(REQUESTS)}')
+    token: str = dataclasses.field(default_factory=lambda: secrets.token_hex(8))  # unlike all others
     place: object = ''  # where it came from, for the caller; the engine does not see it
 
     def __post_init__(self):
@@ -115,22 +112,21 @@ def kill(process):
 # then is killed. `urgency` is asked every POLL_S.
 def run(engine, path, request, urgency=lambda: GO_ON):
     write(path, request)
-    process = start(engine, path)
     end = time.monotonic() + min(LONGEST_TIME_MS, request.time_ms) / 1000 + OVERDUE_S
     complaint, urged, told, killed = b'', GO_ON, False, False
+    process = start(engine, path)
     try:
-        while not killed or process.poll() is None:
+        while not killed:
             try:
                 complaint = process.communicate(timeout=POLL_S)[1]
                 break
             except subprocess.TimeoutExpired:
                 urged, now = urgency(), time.monotonic()
-            if not told and (urged or now > end):
+            if told:
+                killed = urged == KILL_IT or now > end
+            elif urged or now > end:
                 cancel(path)
                 told, end = True, now + HEED_CANCEL_S
-            elif told and (urged == KILL_IT or now > end):
-                kill(process)
-                killed = True
     finally:
         kill(process)
         process.wait()
@@ -148,7 +144,7 @@ def read_result(path, token, exit_code=None, complaint=''):
     if response.exists():
         lines = response.read_text('utf-8', 'replace').split('\n')
         if lines[:2] == [token, 'OK'] and len(lines) == RESPONSE_LINES + 1:
-            return {'status': 'ok', 'move': lines[2], **dict(zip(NUMBERS, map(number, lines[3:9]))),
+            return {'status': 'ok', 'move': lines[2], **dict(zip(NUMBERS, map(int, lines[3:9]))),
                     'line': best_line(lines[9:RESPONSE_LINES])}
         answered = lines[:2] == [token, 'ERROR'] and len(lines) == 4
         complaint = lines[2] if answered else 'the response is not one to this request'
@@ -162,11 +158,6 @@ def read_result(path, token, exit_code=None, complaint=''):
     if result['error'] == NO_SEARCH:
         result['explanation'] = NO_SEARCH_MEANS
     return result if exit_code is None else result | {'exit_code': exit_code}
-
-
-def number(text):
-    value = float(text)
-    return int(value) if value.is_integer() else value
 
 
 # The moves of the response's last twelve lines, in coordinate text.
