@@ -10,6 +10,7 @@
 # few are held at a time. Results come in its order. What it raises, such as a Problem, comes out of `results` behind
 # the results of all requests before it. zorvane_requests tells what a request and a result are.
 import argparse
+import contextlib
 import os
 import pathlib
 import shlex
@@ -125,10 +126,7 @@ class Batch:
 
     def _add_worker(self):
         # A worker may wait for input for ever; as a daemon it does not keep the program from ending.
-        try:
-            threading.Thread(target=self._work, daemon=True).start()
-        except RuntimeError:
-            self.jobs = self.started  # The system gives no more.
+        threading.Thread(target=self._work, daemon=True).start()
 
     def _work(self):
         for number, request in iter(self._take, None):
@@ -162,8 +160,9 @@ class Batch:
                     self.changed.notify_all()
                     return None
                 self.started += 1
-                if self.started < self.jobs:  # Until then there is a worker for each.
-                    self._add_worker()
+                if self.started < self.jobs:
+                    with contextlib.suppress(RuntimeError):  # The system gives no more; those there are go on.
+                        self._add_worker()
                 return self.started, request
 
 
@@ -222,6 +221,7 @@ def say(text):
 
 # Run a tool to its exit status; what keeps it from its work is one line.
 def run_tool(main):
+    signal.signal(signal.SIGINT, signal.default_int_handler)  # A shell's background job begins without.
     try:
         sys.exit(main())
     except KeyboardInterrupt:
