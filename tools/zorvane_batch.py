@@ -11,6 +11,7 @@
 # the results of all requests before it. zorvane_requests tells what a request and a result are.
 import argparse
 import contextlib
+import json
 import os
 import pathlib
 import shlex
@@ -58,6 +59,14 @@ def find_engine(command=None, run_here=True):
     if run_here and not shutil.which(engine[0]):
         raise Problem(f'there is no engine {engine[0]} to run: build it, or name it with --engine')
     return engine
+
+
+# The values of a file of JSON, one a line. A line may be cut short by what ended its writer.
+def json_lines(path):
+    with open(path, encoding='ascii') as lines:
+        for line in lines:
+            with contextlib.suppress(ValueError):
+                yield json.loads(line)
 
 
 def request_path(folder, number):
@@ -161,7 +170,7 @@ class Batch:
                     return None
                 self.started += 1
                 if self.started < self.jobs:
-                    with contextlib.suppress(RuntimeError):  # The system gives no more; those there are go on.
+                    with contextlib.suppress(RuntimeError):  # The system gives no more; those that are there go on.
                         self._add_worker()
                 return self.started, request
 
