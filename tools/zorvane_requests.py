@@ -124,6 +124,7 @@ def run(engine, path, request, urgency=lambda: GO_ON):
             process.kill()
         elif process.poll() is None:
             os.killpg(process.pid, signal.SIGKILL)  # with the program that runs it if there is one
+            process.stderr.close()
         process.wait()
     result = read_result(path, request.token, process.returncode, complaint.decode(errors='replace'))
     if result['status'] == 'ok' or not killed and not (told and result['status'] == 'cancelled'):
