@@ -10,7 +10,7 @@ import sys
 import time
 import unittest
 
-from engine_process import DATA, ENGINE, HANG_S, ROOT, RequestCase
+from engine_process import DATA, ENGINE, HANG_S, ROOT, RequestCase, table
 
 ANALYSE = [sys.executable, str(ROOT / 'tools' / 'zorvane-analyse'), '--engine', shlex.join(ENGINE)]
 GAMES, ANALYSED = DATA / 'games.pgn', DATA / 'analysed.pgn'
@@ -93,13 +93,8 @@ class Analyse(RequestCase):
         out, text, page = (self.folder / name for name in ('out.pgn', 'text', 'page.html'))
         text.write_text('This is no game.\n')
         out.write_text('precious')
-        for arguments, complaint in {
-                (): 'name an output', ('--pgn', out): 'exists', ('--html', out): 'exists',
-                ('--pgn', '/dev/full'): 'cannot write /dev/full: No space', ('--html', '/dev/full'): 'No space left',
-                ('--pgn', self.folder / 'no' / 'out'): 'there is no folder', ('--pgn', page, '--html', page): 'twice',
-                ('--html', page, '--depth', '9'): 'depth', ('--html', page, '--engine', 'none'): 'no engine none',
-                ('--html', page, '--engine', 'true'): 'does not answer'}.items():
-            self.analyse(*arguments, code=2)
+        for arguments, complaint in table('analyse_wrong_use.tsv'):
+            self.analyse(*shlex.split(arguments.format(folder=self.folder)), code=2)
             self.assertIn(complaint, self.complaints[-1])
         for games, complaint in ((text, 'no game that can be read'), (self.folder / 'none', 'No such file')):
             self.analyse('--html', page, games=games, code=2)

@@ -10,6 +10,8 @@
 # few are held at a time. Results come in its order. What it raises, such as a Problem, comes out of `results` behind
 # the results of all requests before it. zorvane_requests tells what a request and a result are.
 import argparse
+import contextlib
+import json
 import os
 import pathlib
 import shlex
@@ -57,6 +59,14 @@ def find_engine(command=None, run_here=True):
     if run_here and not shutil.which(engine[0]):
         raise Problem(f'there is no engine {engine[0]} to run: build it, or name it with --engine')
     return engine
+
+
+# The values of a file of JSON, one a line. A line may be cut short by what ended its writer.
+def json_lines(path):
+    with open(path, encoding='ascii') as lines:
+        for line in lines:
+            with contextlib.suppress(ValueError):
+                yield json.loads(line)
 
 
 def request_path(folder, number):
@@ -125,10 +135,7 @@ class Batch:
 
     def _add_worker(self):
         # A worker may wait for input for ever; as a daemon it does not keep the program from ending.
-        try:
-            threading.Thread(target=self._work, daemon=True).start()
-        except RuntimeError:
-            self.jobs = self.started  # The system gives no more.
+        threading.Thread(target=self._work, daemon=True).start()
 
     def _work(self):
         for number, request in iter(self._take, None):
@@ -162,8 +169,9 @@ class Batch:
                     self.changed.notify_all()
                     return None
                 self.started += 1
-                if self.started < self.jobs:  # Until then there is a worker for each.
-                    self._add_worker()
+                if self.started < self.jobs:
+                    with contextlib.suppress(RuntimeError):  # The system gives no more; those that are there go on.
+                        self._add_worker()
                 return self.started, request
 
 
@@ -222,6 +230,7 @@ def say(text):
 
 # Run a tool to its exit status; what keeps it from its work is one line.
 def run_tool(main):
+    signal.signal(signal.SIGINT, signal.default_int_handler)  # A shell's background job begins without.
     try:
         sys.exit(main())
     except KeyboardInterrupt:

@@ -41,15 +41,16 @@ class Game:
     line: int = 0  # of the file, where it begins or breaks
     problem: str = ''  # why it cannot be analysed
     tags: dict = dataclasses.field(default_factory=dict)  # values as in the file, with their backslashes
-    opening: list = dataclasses.field(default_factory=list)  # comments before the first move
+    opening: Ply = dataclasses.field(default_factory=lambda: Ply(''))  # what stands before the first move
     plies: list = dataclasses.field(default_factory=list)
     result: str = '*'
     mated: bool = False  # the last move mates
 
     def text(self):
         tags = [f'[{name} "{value}"]' for name, value in self.tags.items()]
-        moves = (word for ply in self.plies for word in (ply.move, *ply.marks, *ply.comments, *ply.rest))
-        return '\n'.join([*tags, '', ' '.join([*self.opening, *moves, self.result]), ''])
+        words = [word for ply in (self.opening, *self.plies)
+                 for word in (ply.move, *ply.marks, *ply.comments, *ply.rest) if word]
+        return '\n'.join([*tags, '', ' '.join([*words, self.result]), ''])
 
     # The text that a tag stands for; empty when it is unknown.
     def tag(self, name):
@@ -106,29 +107,23 @@ def read_games(path):
 
 # Give the games of a text that pgn-extract wrote.
 def parse(output):
-    for text in re.split(r'\n\n(?=\[)', output):
-        tags, _, moves = text.partition('\n\n')
-        if tags:
-            game = Game(tags=dict(TAG.findall(tags)))
-            parse_moves(game, moves)
-            yield game
+    return map(parse_game, filter(None, re.split(r'\n\n(?=\[)', output)))
 
 
-def parse_moves(game, text):
-    depth = 0
-    for token in filter(None, TOKEN.findall(text)):
+def parse_game(text):
+    tags, _, moves = text.partition('\n\n')
+    game = Game(tags=dict(TAG.findall(tags)))
+    ply, depth = game.opening, 0
+    for token in filter(None, TOKEN.findall(moves)):
         mates = token.endswith('#')
         if COORDINATES.fullmatch(token):
             token = token.rstrip('+#').lower()
         depth += token == '('
-        ply = game.plies[-1] if game.plies else None
         if depth == 0 and token in RESULTS:
             game.result = token
         elif depth == 0 and token[0] not in '{$':
-            game.plies.append(Ply(token))
-            game.mated = mates
-        elif not ply:
-            game.opening.append(token)
+            ply, game.mated = Ply(token), mates
+            game.plies.append(ply)
         elif depth or ply.rest:
             ply.rest.append(token)
         elif token[0] == '$':
@@ -136,3 +131,4 @@ def parse_moves(game, text):
         else:
             ply.comments.append(token)
         depth -= token == ')'
+    return game

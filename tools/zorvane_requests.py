@@ -90,20 +90,12 @@ def clean_up(path):
 # Start an engine, a list of a program and its first arguments, on a request. It is not hit by the terminal's
 # Ctrl-C, so that whoever started it decides.
 def start(engine, path):
-    apart = {'creationflags': subprocess.CREATE_NEW_PROCESS_GROUP} if os.name == 'nt' else {'start_new_session': True}
     try:
         return subprocess.Popen([*engine, '--request', str(path)], stdin=subprocess.DEVNULL,
-                                stdout=subprocess.DEVNULL, stderr=subprocess.PIPE, **apart)
+                                stdout=subprocess.DEVNULL, stderr=subprocess.PIPE, start_new_session=True,
+                                creationflags=getattr(subprocess, 'CREATE_NEW_PROCESS_GROUP', 0))
     except OSError as problem:
         raise Problem(f'the engine {engine[0]} does not start: {problem.strerror}') from None
-
-
-# Kill an engine, with the program that runs it if there is one.
-def kill(process):
-    if os.name == 'nt':
-        process.kill()
-    elif process.poll() is None:
-        os.killpg(process.pid, signal.SIGKILL)
 
 
 # Write the request, have an engine answer it, give the result. The files stay.
@@ -128,7 +120,11 @@ def run(engine, path, request, urgency=lambda: GO_ON):
                 cancel(path)
                 told, end = True, now + HEED_CANCEL_S
     finally:
-        kill(process)
+        if os.name == 'nt':
+            process.kill()
+        elif process.poll() is None:
+            os.killpg(process.pid, signal.SIGKILL)  # with the program that runs it if there is one
+            process.stderr.close()
         process.wait()
     result = read_result(path, request.token, process.returncode, complaint.decode(errors='replace'))
     if result['status'] == 'ok' or not killed and not (told and result['status'] == 'cancelled'):
