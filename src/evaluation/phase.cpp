@@ -1,7 +1,5 @@
 #include "evaluation/phase.h"
 
-#include <algorithm>
-
 #include "board/array.h"
 
 namespace zorvane {
@@ -10,6 +8,11 @@ namespace {
 
 constexpr int kQueenSortie = 15; // centipawns at full phase
 constexpr int kRaceFactor = 4;   // for each step of a lead, at phase 0
+
+constexpr std::int8_t RaceTerm(int lead, int endgameWeight) {
+  const int term = kRaceFactor * lead * endgameWeight / kFullPhase;
+  return static_cast<std::int8_t>(term < -kRaceLimit ? -kRaceLimit : term > kRaceLimit ? kRaceLimit : term);
+}
 
 constexpr Phase MakePhase(int gamePhase) {
   const int endgameWeight = kFullPhase - gamePhase;
@@ -22,8 +25,7 @@ constexpr Phase MakePhase(int gamePhase) {
   for (int rank = 0; rank < 8; ++rank)
     phase.PassedEndgameTerm[rank] = static_cast<std::int16_t>(PassedEndgameLimit(rank) * endgameWeight / kFullPhase);
   for (int lead = -kFarthestApart; lead <= kFarthestApart; ++lead)
-    phase.RaceTerms[lead + kFarthestApart] =
-        static_cast<std::int8_t>(std::clamp(kRaceFactor * lead * endgameWeight / kFullPhase, -kRaceLimit, kRaceLimit));
+    phase.RaceTerms[lead + kFarthestApart] = RaceTerm(lead, endgameWeight);
   return phase;
 }
 

@@ -1,8 +1,6 @@
 // How far the game has gone from the full set of pieces to bare kings, and the terms that follow from that alone.
 #pragma once
 
-#include <algorithm>
-
 #include "board/array.h"
 #include "board/position.h"
 
@@ -38,6 +36,9 @@ struct alignas(64) Phase {
 // By GamePhase in units.
 extern const Array<Phase, kPhases> PhaseTable;
 
-inline const Phase &CurrentPhase() { return PhaseTable[std::min(MaterialSum(), kFullPhase) / kPhaseUnit]; }
+inline const Phase &CurrentPhase() {
+  const int material = MaterialSum();
+  return PhaseTable[(material < kFullPhase ? material : kFullPhase) / kPhaseUnit];
+}
 
 } // namespace zorvane

@@ -1,7 +1,6 @@
 // Two memories of quiet moves that caused a cut-off: the killers of a ply and the history score of a move.
 #pragma once
 
-#include <algorithm>
 #include <cassert>
 
 #include "board/array.h"
@@ -36,7 +35,9 @@ inline void AddHistory(Side side, int ply, PackedMove move) {
   assert(ply >= 1 && ply < kSearchPlies);
   const int credit = kSearchPlies + 1 - ply;
   std::int32_t &score = HistoryTable[side][move];
-  score = std::min(kHistoryLimit, score + credit * credit);
+  score += credit * credit;
+  if (score > kHistoryLimit)
+    score = kHistoryLimit;
 }
 
 } // namespace zorvane
