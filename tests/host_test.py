@@ -3,7 +3,6 @@ import functools
 import json
 import os
 import shlex
-import shutil
 import signal
 import subprocess
 import sys
@@ -96,8 +95,6 @@ class Host(RequestCase):
                 self.assertIn(end, zorvane_requests.run(engine, self.folder / 'r', request)['error'])
 
     def test_job_lines(self):
-        if not shutil.which('parallel'):
-            self.skipTest('GNU parallel is not installed')
         lines, folder = self.file('lines', *QUICK), str(self.folder / 'a shared folder')
         print_jobs = ('--file', str(lines), '--depth', '2', '--folder', folder, '--print-jobs')
         jobs = self.host(*print_jobs)
