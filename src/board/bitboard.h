@@ -19,6 +19,9 @@ constexpr Bitboard kRow0 = 0xFFU;                     // the eighth rank
 constexpr Bitboard kLastRows = kRow0 | (kRow0 << 56); // where pawns promote, for both sides
 constexpr Bitboard kAllSquares = ~Bitboard{0};
 
+// An odd factor that spreads the bits of a hash over the upper bits of the product.
+constexpr std::uint64_t kHashSpread = 0x9E3779B97F4A7C15U;
+
 constexpr Bitboard Bit(int square) { return Bitboard{1} << square; }
 constexpr Bitboard RowMask(int row) { return kRow0 << (row * 8); }
 constexpr Bitboard FileMask(int file) { return kFileA << file; }

@@ -23,8 +23,7 @@ Array<GamePosition, kGameHistoryLimit> GameHistory;
 Array<std::int16_t, 1U << kBucketBits> Buckets;
 
 std::int16_t &BucketOf(std::uint64_t boardSum) {
-  constexpr std::uint64_t spread = 0x9E3779B97F4A7C15U;
-  return Buckets[static_cast<int>((boardSum * spread) >> (64 - kBucketBits))];
+  return Buckets[static_cast<int>((boardSum * kHashSpread) >> (64 - kBucketBits))];
 }
 
 // The en-passant square when side can capture there, else none.

@@ -154,8 +154,8 @@ PawnStructure &SlotFor(Bitboard whitePawns, Bitboard blackPawns) {
     return uncached = {};
   if (BlockOf(kPawnCacheBlock).Length == 0) [[unlikely]]
     AllocateBlock(kPawnCacheBlock, kPawnCacheSlots * sizeof(PawnStructure));
-  // Two odd factors spread the bits; what they are does not matter.
-  const std::uint64_t hash = whitePawns * 0x9E3779B97F4A7C15U ^ blackPawns * 0xC2B2AE3D27D4EB4FU;
+  // Another odd factor for the second board; which one does not matter.
+  const std::uint64_t hash = whitePawns * kHashSpread ^ blackPawns * 0xC2B2AE3D27D4EB4FU;
   return RecordAt<PawnStructure>(kPawnCacheBlock, (hash >> (64 - kPawnCacheBits)) * sizeof(PawnStructure));
 }
 

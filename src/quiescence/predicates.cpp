@@ -25,13 +25,13 @@ template <Side Us> bool HasPawnForkPush() {
   return false;
 }
 
-template <Side Us> bool HasFreshKnightFork(int ply) {
+bool HasFreshKnightFork(Side us, int ply) {
   assert(ply >= 1);
-  constexpr Side them = Opposite(Us);
+  const Side them = Opposite(us);
   const BoardState &before = UndoStack[ply - 1];
   const Bitboard majors = Pieces(them, kRook, kQueen);
   const Bitboard pieces = majors | Pieces(them, kKnight, kBishop);
-  Bitboard fresh = Pieces(Us, kKnight) & ~(before.BySide[Us] & before.ByType[kKnight - 1]);
+  Bitboard fresh = Pieces(us, kKnight) & ~(before.BySide[us] & before.ByType[kKnight - 1]);
   while (fresh != 0) {
     const int knight = PopLsb(fresh);
     Bitboard forked = 0;
@@ -46,12 +46,12 @@ template <Side Us> bool HasFreshKnightFork(int ply) {
   return false;
 }
 
-template <Side Us> int FindQueenTarget() {
-  const Bitboard queens = Pieces(Us, kQueen);
+int FindQueenTarget(Side us) {
+  const Bitboard queens = Pieces(us, kQueen);
   if (queens == 0)
     return kNoSquare;
   const int queen = kSquares - 1 - std::countl_zero(queens);
-  Bitboard targets = QueenAttacks(queen, Occupied()) & Pieces(Opposite(Us), kKnight, kBishop);
+  Bitboard targets = QueenAttacks(queen, Occupied()) & Pieces(Opposite(us), kKnight, kBishop);
   while (targets != 0) {
     const int target = PopLsb(targets);
     if (IsLegalMove(queen, target))
@@ -62,9 +62,5 @@ template <Side Us> int FindQueenTarget() {
 
 template bool HasPawnForkPush<kWhite>();
 template bool HasPawnForkPush<kBlack>();
-template bool HasFreshKnightFork<kWhite>(int ply);
-template bool HasFreshKnightFork<kBlack>(int ply);
-template int FindQueenTarget<kWhite>();
-template int FindQueenTarget<kBlack>();
 
 } // namespace zorvane

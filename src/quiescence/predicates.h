@@ -14,12 +14,12 @@ template <Side Us> inline Bitboard PawnForkSquares() {
 // True when Us has a legal pawn push to one of PawnForkSquares.
 template <Side Us> bool HasPawnForkPush();
 
-// True when a knight of Us on a square where UndoStack slot ply - 1 had none can legally capture one of two or more
+// True when a knight of a side on a square where UndoStack slot ply - 1 had none can legally capture one of two or more
 // enemy rooks, knights, bishops or queens, a rook or queen among them. ply is 1 or more.
-template <Side Us> bool HasFreshKnightFork(int ply);
+bool HasFreshKnightFork(Side us, int ply);
 
-// The square of the first enemy knight or bishop in scan order that the last queen of Us in scan order can legally
+// The square of the first enemy knight or bishop in scan order that the side's last queen in scan order can legally
 // capture, kNoSquare for none. First and last are arbitrary, but part of what the engine answers.
-template <Side Us> int FindQueenTarget();
+int FindQueenTarget(Side us);
 
 } // namespace zorvane

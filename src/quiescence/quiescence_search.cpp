@@ -181,7 +181,7 @@ template <Side Us> ForcedReply FindForcedReply(const QuiescenceNode &node, int r
     return node.Forced;
   if (node.QuietCredit >= kTacticsCredit && QuietLineNodes < kQuietCheckNodeBudget && HasPawnForkPush<them>())
     return kPawnForkThreat;
-  if (node.Ply >= kFirstForkPly && IsHorizon(node) && HasFreshKnightFork<them>(node.Ply))
+  if (node.Ply >= kFirstForkPly && IsHorizon(node) && HasFreshKnightFork(them, node.Ply))
     return kForkOnBoard;
   return kNotForced;
 }
@@ -201,7 +201,7 @@ template <Side Us> int ChooseBishopTarget(const QuiescenceNode &node, int remain
   const bool wanted = node.QuietCredit >= kTacticsCredit && node.Ply < kBishopMoveLimit &&
                       (remaining >= kThreatDepth || node.FloorPlies > 0) && QuietLineDepth > 0 &&
                       node.Ply == CurrentDepth + kFollowUpDistance;
-  return wanted ? FindQueenTarget<Us>() : kNoSquare;
+  return wanted ? FindQueenTarget(Us) : kNoSquare;
 }
 
 // Counts the node, and returns the depth that the node caps leave to it.
