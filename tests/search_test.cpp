@@ -114,7 +114,7 @@ TEST_F(SearchTest, TheBestMoveOfAFirstIterationCutOff) {
   ASSERT_TRUE(LoadFen("r1q1k1qr/1q1q1q1q/q1q2q1q/8/8/Q1Q2Q1Q/1Q1Q1Q1Q/R1Q1K1QR w KQkq - 0 1"));
   double seconds = 0.001;
   do {
-    seconds = seconds > 1 ? 0.001 : 1.5 * seconds;
+    seconds = seconds > 100 ? 0.001 : 1.5 * seconds; // from the start again after a hold-up
     RunSearch({1, seconds});
   } while (Result().CompletedDepth > 0 || Result().Nodes < 200000);
   EXPECT_GT(Result().BestScore, Evaluate());
