@@ -66,7 +66,7 @@ std::string MirroredFen() {
       c = static_cast<char>(std::islower(c) != 0 ? std::toupper(c) : std::tolower(c));
   std::string mirrored;
   for (size_t rank = 0; rank < 8; ++rank)
-    mirrored = ranks.substr(9 * rank, 8) + (rank > 0 ? "/" : "") + mirrored;
+    mirrored.insert(0, ranks.substr(9 * rank, 8) + (rank > 0 ? "/" : ""));
   return mirrored + (side == "w" ? " b " : " w ") + castling + " -";
 }
 
