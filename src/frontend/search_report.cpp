@@ -4,9 +4,9 @@
 #include <array>
 #include <cstdio>
 
-#include "board/position.h"
 #include "evaluation/score.h"
 #include "search/search_driver.h"
+#include "search/search_state.h"
 
 namespace zorvane {
 
@@ -15,7 +15,7 @@ namespace {
 // The score as UCI wants it: from the mover's view, mates in moves.
 std::array<char, 64> ScoreText(int bestScore) {
   std::array<char, 64> text{};
-  const int score = SideToMove == kWhite ? bestScore : -bestScore;
+  const int score = RootSide() == kWhite ? bestScore : -bestScore;
   const int mateMoves = (std::max(kMateValue - Absolute(score), 0) + 1) / 2;
   if (IsMateScore(score))
     std::snprintf(text.data(), text.size(), "mate %d", score < 0 ? -mateMoves : mateMoves);

@@ -5,6 +5,7 @@
 #include "board/legal_moves.h"
 #include "evaluation/score.h"
 #include "quiescence/move_lists.h"
+#include "search/search_state.h"
 
 namespace zorvane {
 
@@ -39,14 +40,14 @@ void ClearRootResults() { RootResults.Count = PreviousRootResults.Count = 0; }
 
 void BeginRootResults() { RootResults.Count = 0; }
 
-void AddRootResult(PackedMove move, int score) { Append(RootResults, {SideToMove == kWhite ? score : -score, move}); }
+void AddRootResult(PackedMove move, int score) { Append(RootResults, {RootSide() == kWhite ? score : -score, move}); }
 
 void KeepRootResults() { PreviousRootResults = RootResults; }
 
 void BuildRootMoveList(RootList &list) {
   list.Count = 0;
   MoveSets moves;
-  GenerateLegalMoves(moves, SideToMove);
+  GenerateLegalMoves(moves, RootSide());
   for (Bitboard froms = moves.Froms; froms != 0;) {
     const int from = PopLsb(froms);
     for (Bitboard targets = moves.Targets[from]; targets != 0;) {

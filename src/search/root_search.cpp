@@ -30,13 +30,13 @@ struct RootPass {
   int TieSearches;
 };
 
-bool IsBetter(int score, int best) { return SideToMove == kWhite ? score > best : score < best; }
+bool IsBetter(int score, int best) { return RootSide() == kWhite ? score > best : score < best; }
 
 // Draws a clearly good score towards equality when the move on the board repeats a position of the game.
 int ApplyRepeatPenalty(const RootPass &pass, int score) {
-  if (IsMateScore(score) || pass.StaticScore < kRepeatThreshold || CountRepetitions(Opposite(SideToMove), 1, 1) == 0)
+  if (IsMateScore(score) || pass.StaticScore < kRepeatThreshold || CountRepetitions(Opposite(RootSide()), 1, 1) == 0)
     return score;
-  if (SideToMove == kWhite)
+  if (RootSide() == kWhite)
     return score >= kRepeatThreshold ? score - kRepeatPenalty : score;
   return score <= -kRepeatThreshold ? score + kRepeatPenalty : score;
 }
@@ -45,7 +45,7 @@ int ApplyRepeatPenalty(const RootPass &pass, int score) {
 int SearchChild(const RootPass &pass, PackedMove move, int alpha, int beta) {
   SaveState(0);
   MakeMove(FromOf(move), ToOf(move));
-  const int score = ApplyRepeatPenalty(pass, SearchLevels(Opposite(SideToMove), alpha, beta));
+  const int score = ApplyRepeatPenalty(pass, SearchLevels(Opposite(RootSide()), alpha, beta));
   RestoreState(0);
   return score;
 }
@@ -76,7 +76,7 @@ bool TryRootMove(RootPass &pass, PackedMove move) {
   const int from = FromOf(move);
   const int to = ToOf(move);
   CountNode();
-  int score = SideToMove == kWhite ? SearchChild(pass, move, pass.Best.Score, kInfinity)
+  int score = RootSide() == kWhite ? SearchChild(pass, move, pass.Best.Score, kInfinity)
                                    : SearchChild(pass, move, -kInfinity, pass.Best.Score);
   if (ShouldStop())
     return false;
@@ -94,7 +94,7 @@ bool TryRootMove(RootPass &pass, PackedMove move) {
   if (isBest) {
     pass.Best = {move, score, reason};
     pass.BestHint = hint;
-    PvStore(0, SideToMove, from, to);
+    PvStore(0, RootSide(), from, to);
   }
   return true;
 }
@@ -116,15 +116,15 @@ bool TryRootMoves(RootPass &pass, PackedMove firstMove) {
 } // namespace
 
 bool SearchRoot(PackedMove firstMove, HintMode hints, RootChoice &best) {
-  best = {kNoMove, SideToMove == kWhite ? -kInfinity : kInfinity, MoveReason::kScore};
+  best = {kNoMove, RootSide() == kWhite ? -kInfinity : kInfinity, MoveReason::kScore};
   BeginRootResults();
   PvClearFrom(0);
   if (ShouldStop())
     return false;
 
   DisplaceOtherPosition();
-  const int staticScore = SideToMove == kWhite ? Evaluate() : -Evaluate();
-  const PackedMove remembered = ProbeTransposition(0, SideToMove);
+  const int staticScore = RootSide() == kWhite ? Evaluate() : -Evaluate();
+  const PackedMove remembered = ProbeTransposition(0, RootSide());
   BuildRootMoveList(RootMoveList);
   if (ShouldStop())
     return false;

@@ -36,7 +36,7 @@ RootChoice DefaultChoice(const MoveSets &moves) {
 
 // The answer of a position without a legal move. Not left to SearchRoot, which answers nothing when it is stopped.
 RootChoice ChoiceWithoutMoves() {
-  return {kNoMove, IsInCheck(SideToMove) ? MatedScore(SideToMove, 0) : 0, MoveReason::kScore};
+  return {kNoMove, IsInCheck(RootSide()) ? MatedScore(RootSide(), 0) : 0, MoveReason::kScore};
 }
 
 // Deepens until a limit, a stop or a mate. best holds the default answer and takes that of each finished iteration, or
@@ -86,7 +86,7 @@ void RunSearch(const SearchLimits &limits, const SearchOptions &options) {
   SearchResult result{};
 
   MoveSets moves;
-  GenerateLegalMoves(moves, SideToMove);
+  GenerateLegalMoves(moves, RootSide());
   result.LegalMoveCount = CountMoves(moves);
   RootChoice best;
   if (result.LegalMoveCount == 0) {
