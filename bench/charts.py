@@ -1,4 +1,4 @@
-"""The two charts of docs/performance.md, as SVG. The same numbers make the same file."""
+"""The two charts of docs/performance.md, as SVG. The same numbers give the same file."""
 
 import matplotlib
 from matplotlib import pyplot
@@ -19,7 +19,7 @@ def save(figure, title, path):
 
 
 def bar_chart(title, panels, label, path):
-    """panels: heading to the values by name, the first of them our own; each panel has its own scale."""
+    """Write a bar chart. panels maps a heading to values by name, our own first; each panel has its own scale."""
     figure, rows = pyplot.subplots(len(panels), figsize=(7.2, 0.4 + 1.2 * len(panels)), squeeze=False,
                                    layout="constrained")
     for axes, (heading, values) in zip(rows.flat, panels.items()):
@@ -33,7 +33,7 @@ def bar_chart(title, panels, label, path):
 
 
 def log_chart(title, heading, x_label, values, label, path):
-    """values: by whole numbers, drawn as a line over a logarithmic scale."""
+    """Write a line chart with a logarithmic scale. values maps whole numbers to what is drawn."""
     figure, axes = pyplot.subplots(figsize=(7.2, 4.2), layout="constrained")
     axes.semilogy(list(values), values.values(), "o-", color=OWN, linewidth=2)
     for x, y in values.items():

@@ -1,7 +1,7 @@
 """Measures the engine against other programs and earlier builds, and prints medians and ratios.
 
-All programs take turns within each round, so that a drift of the machine's speed meets all of them;
-ratios are taken within a round, and the median over the rounds is printed.
+All programs take turns within each round, so that changes in the machine's speed affect all of them equally.
+Ratios are taken within a round, and the median over the rounds is printed.
 """
 
 import argparse
@@ -23,31 +23,32 @@ import measure
 from measure import UciEngine, WrongAnswer, run, search
 
 OTHER_POSITION = "r3k2r/p1ppqpb1/bn2pnp1/3PN3/1p2P3/2N2Q1p/PPPBBPPP/R3K2R w KQkq - 0 1"
-DEEPEST, DEEPEST_ANSWER = 8, "info depth 8 score cp 17 nodes 9249034 pv d2d4 | bestmove d2d4"
+RECORDED = json.loads((measure.ROOT / "tools" / "zorvane_numbers.json").read_text())["deepest"]
+DEEPEST, DEEPEST_ANSWER = RECORDED["depth"], RECORDED["answer"]
 MEAN = "both, geometric mean"
 REPORT = measure.ROOT / "docs" / "performance.md"
 BEGIN, END = "<!-- bench/compare: begin -->", "<!-- bench/compare: end -->"
 
 
 class Plan:
-    """How much is measured. A quick plan shows that the tools work; its numbers are rough."""
+    """How much is measured. A quick plan only shows that the tools work; its numbers are rough."""
 
     def __init__(self, quick):
         self.perfts = [("initial position", None, 5 if quick else 6),
                        ("middlegame position", OTHER_POSITION, 4 if quick else 5)]
         self.suite = measure.read_suite()[: 6 if quick else None]
-        # The comparison engine prints no rate before its first second is over.
+        # toga2 prints no rate during its first second.
         self.toga_ms = 1500 if quick else 3000
         self.depth = 6 if quick else DEEPEST
         self.move_ms = 100 if quick else 1000
         self.starts = 30 if quick else 100
 
 
-# Each step below yields what it measures, of whom, and the value of this round.
+# Each step below yields what it measured, for which program, and the value in this round.
 
 
 def perft(plan, builds, stockfish):
-    """Leaves per second of each program in each position."""
+    """Yield leaves per second for each program and position."""
     products = defaultdict(lambda: 1.0)
     for name, fen, depth in plan.perfts:
         stockfish.ask(f"position {'fen ' + fen if fen else 'startpos'}\nisready", "readyok")
@@ -66,7 +67,7 @@ def perft(plan, builds, stockfish):
 
 
 def suite(plan, builds, toga):
-    """Nodes per second: the suite by start-to-end times of the processes, toga2 as it prints it."""
+    """Yield nodes per second: for the suite by the run time of the processes, for toga2 as it prints them."""
     what = f"search suite, {len(plan.suite)} positions"
     toga.ask("ucinewgame\nposition startpos\nisready", "readyok")
     lines = toga.ask(f"go movetime {plan.toga_ms}", "bestmove")[1]
@@ -84,9 +85,9 @@ def suite(plan, builds, toga):
 
 
 def time_to_depth(plan, builds):
-    """Seconds of the searches of the initial position to each depth, start to end."""
+    """Yield the run time in seconds of a search of the initial position to each depth."""
     for depth in range(1, plan.depth + 1):
-        # The first few take hardly longer than a process, whose time varies widely.
+        # The first few take hardly longer than starting a process, which varies widely.
         repeats = 15 if depth < 6 else 1
         expected = DEEPEST_ANSWER if depth == DEEPEST else None
         runs = [search(builds["engine"], depth, None, expected)[0] for _ in range(repeats)]
@@ -94,7 +95,7 @@ def time_to_depth(plan, builds):
 
 
 def iterations(plan, builds):
-    """Completed iterations with a time limit, summed over the positions."""
+    """Yield the iterations completed within a time limit, summed over the positions."""
     engines = {who: UciEngine([program]) for who, program in builds.items()}
     depths = defaultdict(int)
     for _, fen, _ in plan.suite:
@@ -108,7 +109,7 @@ def iterations(plan, builds):
 
 
 def start_up(plan, builds):
-    """Seconds from start to end of a program that has next to nothing to do."""
+    """Yield the run time in seconds of a program that has almost nothing to do."""
     program = builds["engine"]
     pairs = [(run(program, "--perft", 0)[0], run("/bin/true")[0]) for _ in range(plan.starts)]
     yield "`--perft 0`, start to end", "engine", median(own for own, _ in pairs)
@@ -116,7 +117,7 @@ def start_up(plan, builds):
 
 
 def requests(plan, builds):
-    """Seconds of a request at depth 1, and from writing the cancel file to the process's end."""
+    """Yield the seconds of a request at depth 1, and from writing a cancel file to the end of the process."""
     with tempfile.TemporaryDirectory() as folder:
         path, response = Path(folder, "request"), Path(folder, "request.response")
         body = "ZORVANE_C_REQUEST_1\nbench\n300000 {} 1024 1 1 0 0\nposition startpos\n"
@@ -133,7 +134,7 @@ def requests(plan, builds):
         time.sleep(0.2)
         begin = time.perf_counter()
         Path(folder, "request.cancel").touch()
-        # Not wait with a limit, which would look only now and then.
+        # No timeout here: with one, wait() only polls.
         status = process.wait()
         yield "cancel file written, to end of process", "engine", time.perf_counter() - begin
         if status != 0 or os.listdir(folder):
@@ -141,10 +142,10 @@ def requests(plan, builds):
 
 
 def memory(plan, builds):
-    """Peak resident set of a search in bytes."""
+    """Yield the peak resident set of a search in bytes."""
     engine = UciEngine([builds["engine"]])
     engine.ask(f"position startpos\ngo depth {plan.depth}", "bestmove")
-    # Not from wait4: the kernel hands the peak of this interpreter, larger than the engine's, on to the engine.
+    # Not from wait4: the child inherits the peak of this interpreter, which is larger than the engine's own.
     peak = re.search(r"VmHWM:\s+(\d+) kB", Path(f"/proc/{engine.process.pid}/status").read_text())
     yield f"peak resident memory, search to depth {plan.depth}", "engine", 1024 * int(peak[1])
     engine.close()
@@ -163,13 +164,13 @@ def mebibytes(size):
     return f"{size / 2**20:.1f} MiB"
 
 
-# How the values of each step are written, in the order of the table.
+# How the values of each step are printed, in the order of the table.
 FORMATS = {perft: rate, suite: rate, time_to_depth: duration, iterations: "{:g}".format, start_up: duration,
            requests: duration, memory: mebibytes}
 
 
 def measure_all(plan, builds, rounds):
-    """Each step with its samples: what to whom to the values of the rounds. A step that fails is left out."""
+    """Return the samples of each step: {what: {program: [value of each round]}}. A step that fails is left out."""
     stockfish = UciEngine(["stockfish"], "setoption name Threads value 1")
     stockfish.ask("position startpos\ngo perft 4", "Nodes searched")
     toga = UciEngine(["toga2"], "setoption name OwnBook value false", "setoption name Number of Threads value 1")
@@ -184,7 +185,7 @@ def measure_all(plan, builds, rounds):
             except WrongAnswer as problem:
                 print(f"{step.__name__} left out: {problem}", file=sys.stderr)
                 del taken[step]
-        # The order of the two builds changes from round to round.
+        # The two builds swap places after each round.
         builds = dict(reversed(builds.items()))
     stockfish.close()
     toga.close()
@@ -192,7 +193,7 @@ def measure_all(plan, builds, rounds):
 
 
 def table(taken):
-    """The Markdown table of medians, and of the ratios of each round with their range."""
+    """Return the Markdown table of medians, and of ratios within a round with their range."""
     rows = [["what", "this engine", "against", "ratio", "range"], ["---", "---:", "---:", "---:", "---"]]
     for step, samples in taken.items():
         show = FORMATS[step]
@@ -208,7 +209,7 @@ def table(taken):
 
 
 def origin(rounds):
-    """When, on what kind of machine and against which versions the numbers were taken."""
+    """Return when, on what kind of machine and against which versions the numbers were taken."""
     model = re.search(r"model name\s*: (.*)", Path("/proc/cpuinfo").read_text())
     query = ["dpkg-query", "-W", "-f", "${Package} ${Version}; ", "stockfish", "toga2"]
     versions = subprocess.run(query, capture_output=True, text=True).stdout
@@ -217,7 +218,7 @@ def origin(rounds):
 
 
 def write_charts(taken, folder):
-    """Both charts, each of what was measured; earlier builds are not in them."""
+    """Write both charts from what was measured, without earlier builds."""
     panels = {what.replace("`", ""): {("this engine" if who == "engine" else who): median(values[who])
                                       for who in ("engine", "stockfish", "toga2") if who in values}
               for step in (perft, suite) for what, values in taken.get(step, {}).items() if what != MEAN}
@@ -245,7 +246,7 @@ def main():
     builds = {"engine": options.engine} | ({"earlier build": options.baseline} if options.baseline else {})
     for program in builds.values():
         if not os.access(program, os.X_OK):
-            parser.error(f"{program} is not there; script/build makes the engine")
+            parser.error(f"{program} does not exist; script/build builds the engine")
     taken = measure_all(Plan(options.quick), builds, rounds)
     text = f"{origin(rounds)}\n\n{table(taken)}"
     print(text)

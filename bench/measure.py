@@ -1,4 +1,4 @@
-"""What the measuring scripts share: running programs against the clock, and the search suite."""
+"""Shared by the measuring scripts: timing programs, talking UCI, and reading the search suite."""
 
 import re
 import subprocess
@@ -15,9 +15,9 @@ class WrongAnswer(Exception):
 
 
 def run(*command):
-    """Runs a program to its end: (seconds from start to end, its standard output)."""
+    """Run a program to its end and return (seconds, its standard output)."""
     begin = time.perf_counter()
-    # Handing all files on spares a fork, which would take longer than the shortest runs.
+    # With close_fds=False Python can avoid fork, which would take longer than the shortest runs.
     done = subprocess.run([str(word) for word in command], stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
                           close_fds=False, text=True)
     seconds = time.perf_counter() - begin
@@ -36,12 +36,12 @@ class UciEngine:
         self.ask("\n".join([*setup, "isready"]), "readyok")
 
     def ask(self, commands, last):
-        """Sends commands: (seconds until a line that begins with last, all lines up to it)."""
+        """Send commands and return (seconds until a line that begins with last, all lines up to it)."""
         begin = time.perf_counter()
         try:
             self.process.stdin.write(commands + "\n")
         except BrokenPipeError:
-            pass  # its end shows below
+            pass  # the loop below sees the end of its output
         lines = []
         for line in self.process.stdout:
             lines.append(line.rstrip("\n"))
@@ -54,12 +54,12 @@ class UciEngine:
 
 
 def read_suite():
-    """The search suite: a list of (depth, FEN, answer without times)."""
+    """Return the search suite: a list of (depth, FEN, answer without times)."""
     return [line.split("\t") for line in SUITE.read_text().splitlines()]
 
 
 def search(program, depth, fen, expected=None):
-    """One search on the command line: (seconds from start to end, nodes)."""
+    """Run one search on the command line and return (seconds, nodes)."""
     seconds, output = run(program, "--bench", depth, *([fen] if fen else []))
     answer = " | ".join(re.sub(r" (time|nps) -?\d+", "", line).rstrip() for line in output.splitlines())
     if expected and answer != expected:

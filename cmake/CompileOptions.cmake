@@ -1,13 +1,14 @@
 # How the engine's targets are compiled and linked.
-# Rounding, warnings and sanitizers: for every target.
+
+# Rounding, warnings and sanitizers, for every target.
 function(zorvane_compile_options target)
-  # A fused multiply-add rounds once where processors without it round twice;
-  # the evaluation must be the same on every one.
+  # A fused multiply-add rounds once where processors without it round twice,
+  # and the evaluation must be the same on all of them.
   target_compile_options(${target} PRIVATE
     -ffp-contract=off
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
   if(ZORVANE_SANITIZE)
-    # gcc loses sight of value ranges behind its own checks and then warns of
+    # After the sanitizers' checks gcc no longer knows value ranges and warns about
     # what cannot happen, hence no errors here.
     set(sanitize -fsanitize=${ZORVANE_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -Wno-error)
     target_compile_options(${target} PRIVATE ${sanitize})
@@ -15,8 +16,8 @@ function(zorvane_compile_options target)
   endif()
 endfunction()
 
-# Optimisation over the whole program, and over all that is linked with the target. CMake's own switch for it would
-# split the program up again.
+# Optimises across the whole program and everything linked into the target. CMake's own switch for this would split
+# the program up again.
 function(zorvane_optimise_at_link_time target)
   if(NOT ZORVANE_LTO)
     return()

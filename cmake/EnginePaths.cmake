@@ -1,14 +1,14 @@
-# The paths: the engine compiled for one kind of processor each.
-#   base   any processor, for the sake of which the compiler is told nothing
-#   avx2   x86-64-v3, that is Intel's processors from Haswell on, AMD's from Excavator on, and what is compatible
-#   pext   the same, and those of them where PEXT is quicker than a multiplication
+# The paths: the engine is compiled once for each kind of processor.
+#   base   any processor: no -march option
+#   avx2   x86-64-v3: Intel since Haswell, AMD since Excavator, and compatible processors
+#   pext   those of them on which PEXT is faster than a multiplication
 set(zorvane_path_options_avx2 -march=x86-64-v3)
 set(zorvane_path_options_pext -march=x86-64-v3)
 set(zorvane_path_definitions_pext ZORVANE_PEXT)
 
-# Adds the library zorvane_engine_PATH. A program has the one path it was configured with, in the namespace zorvane of
-# the sources, or several, and then that namespace is called zorvane_PATH in each: no name of one path meets the same
-# name of another, and the sources need not know of it. Whoever links the library is compiled alike.
+# Adds the library zorvane_engine_PATH. With one path, the namespace is zorvane, as in the sources. With several, a
+# definition renames it to zorvane_PATH in each library, so that no names clash and the sources need not care. Targets
+# that link the library inherit its options.
 function(zorvane_add_engine path)
   set(engine zorvane_engine_${path})
   add_library(${engine} OBJECT ${ARGN})

@@ -1,4 +1,4 @@
-# What CPack does with the files of a package before it packs them.
+# CPack runs this on the files of a package before it packs them.
 set(files "${CPACK_TEMPORARY_INSTALL_DIRECTORY}")
 
 set(packed)
@@ -20,7 +20,7 @@ if(packed)
   execute_process(COMMAND gzip -9n ${packed} COMMAND_ERROR_IS_FATAL ANY)
 endif()
 
-# Packages of one commit are the same whenever they are made.
+# Packages of the same commit are identical, whenever they are made.
 if(DEFINED ENV{SOURCE_DATE_EPOCH})
   execute_process(COMMAND find "${CPACK_TEMPORARY_DIRECTORY}" -exec touch -h -d "@$ENV{SOURCE_DATE_EPOCH}" {} +
     COMMAND_ERROR_IS_FATAL ANY)

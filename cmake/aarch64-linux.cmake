@@ -1,4 +1,4 @@
-# clang for 64-bit ARM, with the headers and libraries of Debian's cross compiler, g++-aarch64-linux-gnu.
+# clang for 64-bit ARM, with headers and libraries from Debian's cross compiler, g++-aarch64-linux-gnu.
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR aarch64)
 set(CMAKE_CXX_COMPILER clang++)

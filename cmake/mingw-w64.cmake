@@ -1,5 +1,5 @@
-# clang for Windows, with the headers and libraries of Debian's mingw-w64: of the variant with the threads of Windows
-# itself, as the one with POSIX threads would bring a library of its own along. clang does not find that variant alone.
+# clang for Windows, with headers and libraries from Debian's mingw-w64, in the variant that uses native Windows threads:
+# the one with POSIX threads would need a DLL. clang does not find that variant by itself.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)
 set(CMAKE_CXX_COMPILER clang++)

@@ -1,5 +1,5 @@
-// The engine of the program that runs on every x86-64: one of three, compiled from the same sources for different
-// processors, each in a namespace of its own (cmake/EnginePaths.cmake).
+// Chooses among the three engines in the program for every x86-64, compiled from the same sources for different
+// processors, each in its own namespace (cmake/EnginePaths.cmake).
 #include "frontend/engine_main.h"
 #include "platform/processor.h"
 

@@ -1,4 +1,4 @@
-// The table of slider attacks against walks along the rays, for every occupation that it tells apart.
+// Compares the table of slider attacks with walks along the rays, for every occupancy that makes a difference.
 #include <initializer_list>
 
 #include <gtest/gtest.h>
@@ -30,8 +30,8 @@ Bitboard WalkedAttacks(int square, Bitboard occupied, std::initializer_list<Step
   return attacks;
 }
 
-// Two occupations that share an entry, as they do with a wrong magic number, show unless their attacks are the same.
-// Squares off the rays are now all empty and now all occupied.
+// Occupancies that wrongly share an entry, as with a wrong magic number, are found unless their attacks are the same.
+// Squares off the rays are tried both empty and occupied.
 TEST(BitboardTest, SlidersOnEveryOccupationOfTheirRays) {
   InitializeBitboards();
   for (int square = 0; square < kSquares; ++square) {

@@ -1,9 +1,12 @@
-"""The command line: every mode's output, messages and exit codes, and the recorded tables."""
+"""The command line: output, messages and exit codes of every mode, and the recorded tables."""
+import json
 import os
 import unittest
 
-from engine_process import (DATA, LARGEST_TREE, SAMPLE, native_only, run_engine, run_in_shell, side_by_side, table,
-                            without_times)
+from engine_process import DATA, LARGEST_TREE, SAMPLE, native_only, run_engine, run_in_shell, table
+from recorded import NUMBERS, check, nodes_of
+
+START = 'rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq - 0 1'
 
 BOX = 'Zorvane C-Engine\nOK, bin da.\n\nZorvane C-Engine wurde gestartet.\nKeine Schachberechnung ausgefuehrt.\n'
 
@@ -12,15 +15,11 @@ class CommandLine(unittest.TestCase):
 
     def test_modes(self):
         too_long = ['2', '', 'Invalid FEN\n', '--perft', '1', '8/' * 15000]
-        for code, output, complaint, *arguments in [*table('command_line.tsv'), too_long]:
-            with self.subTest(arguments[:3]):
-                done = run_engine(*arguments)
-                self.assertEqual((str(done.returncode), without_times(done.stdout), done.stderr),
-                                 (code, output, complaint))
+        check(self, 'command_line.tsv', [*table('command_line.tsv'), too_long])
 
     @native_only
     def test_no_usable_input(self):
-        """Without arguments the box is all there is to it; with some, no input is needed."""
+        """Without arguments there is only the box; with arguments, no input is needed."""
         for stdin in ('<&-', '0>/dev/null', '</'):
             for arguments, output, complaint in (('', '', BOX), ('--perft 1', '20\n', '')):
                 with self.subTest(stdin, arguments=arguments):
@@ -37,19 +36,19 @@ class CommandLine(unittest.TestCase):
                 self.assertEqual(run_engine(*arguments, stdout=lost).returncode, 0)
 
     def test_recorded_tables(self):
-        """The last column is what the engine says of the others; in a bench table it holds the size of the tree."""
-        def answer(arguments):
-            done = run_engine(*arguments)
-            lines = without_times(done.stdout).splitlines()
-            return 'error' if done.returncode else ' | '.join(line.strip() for line in lines)
+        for name in sorted(path.name for path in DATA.glob('*.*.tsv')):
+            with self.subTest(name):
+                check(self, name, [row for row in table(name)[::SAMPLE]
+                                   if '.bench.' not in name or nodes_of(row[-1]) <= LARGEST_TREE])
 
-        for path in sorted(DATA.glob('*.*.tsv')):
-            mode = ['--' + path.name.split('.')[1]] + ['0'] * ('.eval.' in path.name)
-            rows = [([*mode, *row[:-1]], row[-1]) for row in table(path.name)[::SAMPLE]
-                    if mode != ['--bench'] or int(row[-1].split()[7]) <= LARGEST_TREE]
-            for (arguments, wanted), got in zip(rows, side_by_side(answer, [arguments for arguments, _ in rows])):
-                with self.subTest(path.name, arguments=arguments):
-                    self.assertEqual(got, wanted)
+    def test_numbers(self):
+        """They agree with the recorded suite, which contains the search of the check."""
+        numbers = json.loads(NUMBERS.read_text())
+        suite = table('suite.bench.tsv')
+        self.assertEqual(numbers['signature'], sum(nodes_of(row[-1]) for row in suite))
+        self.assertIn((str(numbers['check']['depth']), START, numbers['check']['nodes']),
+                      [(*row[:2], nodes_of(row[-1])) for row in suite])
+        self.assertEqual(numbers['deepest']['nodes'], nodes_of(numbers['deepest']['answer']))
 
 
 if __name__ == '__main__':

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cstddef>
+#include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <random>
@@ -11,7 +12,7 @@
 #include "board/fen.h"
 #include "board/legal_moves.h"
 #include "frontend/engine_main.h"
-#include "search/stop_control.h"
+#include "tree/stop_control.h"
 
 using namespace zorvane;
 
@@ -40,6 +41,22 @@ std::vector<std::vector<std::string>> ReadTable(const std::string &name) {
   return rows;
 }
 
+void CheckAnswers(const std::string &name, const std::function<void(std::vector<std::string> &)> &answer) {
+  const char *const folder = std::getenv("ZORVANE_RECORD");
+  std::ofstream record(folder == nullptr ? "" : folder + ("/" + name));
+  for (const auto &row : ReadTable(name)) {
+    std::vector<std::string> answered = row;
+    answer(answered);
+    if (folder == nullptr) {
+      EXPECT_EQ(answered, row);
+      continue;
+    }
+    for (size_t i = 0; i < answered.size(); ++i)
+      record << (i > 0 ? "\t" : "") << answered[i];
+    record << '\n';
+  }
+}
+
 std::string CurrentFen() {
   constexpr int needed[] = {kWhiteKingMoved | kWhiteRookHMoved, kWhiteKingMoved | kWhiteRookAMoved,
                             kBlackKingMoved | kBlackRookHMoved, kBlackKingMoved | kBlackRookAMoved};
@@ -48,11 +65,11 @@ std::string CurrentFen() {
     fen += std::string(square > 0 && square % 8 == 0 ? "/" : "") + "1PRNBQK..prnbqk"[PieceOn(square)];
   fen += SideToMove == kWhite ? " w " : " b ";
   for (size_t i = 0; i < 4; ++i)
-    fen += (Position.MovedFlags & needed[i]) == 0 ? std::string(1, "KQkq"[i]) : "";
+    fen += (Board.MovedFlags & needed[i]) == 0 ? std::string(1, "KQkq"[i]) : "";
   fen += fen.back() == ' ' ? "- " : " ";
-  const int target = Position.EnPassantSquare;
+  const int target = Board.EnPassantSquare;
   fen += target == kNoSquare ? "-" : std::string{"abcdefgh"[FileOf(target)], "87654321"[RowOf(target)]};
-  return fen + " " + std::to_string(Position.HalfmoveClock);
+  return fen + " " + std::to_string(Board.HalfmoveClock);
 }
 
 std::string MirroredFen() {
@@ -76,11 +93,11 @@ void ForEachPosition(const std::function<void()> &visit) {
       ASSERT_TRUE(LoadFen(row[0].c_str()));
       for (int plies = 0; plies < 16; ++plies) {
         const std::string fen = CurrentFen();
-        const BoardState kept = Position;
+        const BoardState kept = Board;
         const Side side = SideToMove;
         visit();
         ASSERT_FALSE(testing::Test::HasFailure()) << fen;
-        Position = kept;
+        Board = kept;
         SideToMove = side;
         const PackedMove move = RandomMove();
         if (move == kNoMove)

@@ -1,4 +1,4 @@
-// What the C++ tests share: a fresh engine, the tables of tests/data, and positions to try a property on.
+// Shared by the C++ tests: a fresh engine, the tables of tests/data, and positions for testing properties.
 #pragma once
 
 #include <functional>
@@ -9,7 +9,7 @@
 
 #include "board/position.h"
 
-// Starts the engine afresh, and the random numbers too.
+// Starts every test with a fresh engine and the same random numbers.
 class EngineTest : public testing::Test {
 protected:
   void SetUp() override;
@@ -18,29 +18,34 @@ protected:
 // A random number below limit, the same sequence in every run.
 int RandomBelow(int limit);
 
-// The rows of a table in tests/data, as columns; lines that begin with "#" say what they mean.
+// The rows of a table in tests/data, split into columns. Lines that begin with "#" describe the columns and are
+// skipped.
 std::vector<std::vector<std::string>> ReadTable(const std::string &name);
 
-// The position, without the move number; empty squares one by one.
+// Calls `answer` on every row of a table to fill in the engine's answers, and compares the result with the row. With
+// ZORVANE_RECORD set to a folder, writes the answered rows to a file of the table's name there instead.
+void CheckAnswers(const std::string &name, const std::function<void(std::vector<std::string> &)> &answer);
+
+// The position as a FEN without the move number; each empty square is a "1".
 std::string CurrentFen();
 
-// The same game with the colours exchanged.
+// The same position with colours exchanged.
 std::string MirroredFen();
 
-// Calls visit on every recorded position and on a few random moves from each. Ends at the first failure, having told
+// Calls visit for every recorded position and after a few random moves from each. Stops at the first failure and prints
 // the position.
 void ForEachPosition(const std::function<void()> &visit);
 
-// The engine's legal moves in its order.
+// The legal moves in the engine's order.
 std::vector<zorvane::PackedMove> LegalMoveList(zorvane::Side side);
 
-// A legal move of SideToMove, kNoMove when there is none.
+// A random legal move of SideToMove, kNoMove if there is none.
 zorvane::PackedMove RandomMove();
 
-// Plays a legal move as a level of the search does: from ply, whose snapshot it leaves in UndoStack.
+// Plays a legal move as a level of the search does at ply, with the snapshot in UndoStack.
 void PlayFrom(int ply, zorvane::PackedMove move);
 
-// True when all that a move changes is the same in both.
+// True if everything that a move changes is the same in both.
 bool SameState(const zorvane::BoardState &one, const zorvane::BoardState &other);
 
 zorvane::PackedMove MoveOfText(const std::string &text);

@@ -1,4 +1,4 @@
-// What the recorded evaluations cannot show: caches and bounds change nothing, and neither side is favoured.
+// What recorded evaluations cannot show: caches and bounds change nothing, and neither side is favoured.
 #include <algorithm>
 
 #include "board/fen.h"
@@ -28,9 +28,14 @@ TEST_F(EvaluationTest, CacheAndRangeChangeNothing) {
   });
 }
 
+// Pawn terms are computed in two ways: for all pawns at once, and pawn by pawn.
+TEST_F(EvaluationTest, TermByTermItIsTheSame) {
+  ForEachPosition([] { EXPECT_EQ(EvaluateInScanOrder(), Evaluate()); });
+}
+
 TEST_F(EvaluationTest, TheMirroredPositionIsWorthTheOpposite) {
   ForEachPosition([] {
-    const bool fractional = CurrentPawnStructure().IsFractional; // the order of the sum decides its last unit
+    const bool fractional = CurrentPawnStructure().IsFractional; // the order of summation decides the last unit
     const int score = Evaluate();
     ASSERT_TRUE(LoadFen(MirroredFen().c_str()));
     EXPECT_LE(Absolute(Evaluate() + score), fractional ? 1 : 0);

@@ -1,4 +1,4 @@
-// Which path the processors of each kind get.
+// Which path each kind of processor gets.
 #include <cstring>
 #include <map>
 

@@ -1,14 +1,13 @@
-"""Request files against the real program: outcomes, limits, failures made for real, cancelling."""
+"""Request files with the real program: outcomes, limits, real failures, cancelling."""
 import os
-import re
 import resource
 import shutil
-import subprocess
 import time
 import unittest
 
-from engine_process import (ENGINE, LONG_SEARCH, SAMPLE, RequestCase, comparable, native_only, request_text, run_engine,
-                            side_by_side, table)
+from engine_process import (ENGINE, HANG_S, LONG_SEARCH, SAMPLE, RequestCase, in_time, native_only, request_text,
+                            run_engine, started, table)
+from recorded import answer_of, check
 
 NO_ANSWER = 'Keine gueltige Stellung oder kein legaler Zug'
 LONG_REQUEST = 'position startpos moves ' + LONG_SEARCH     # has 44 legal moves
@@ -20,55 +19,42 @@ USUAL = object()
 class Requests(RequestCase):
 
     def assert_failed(self, outcome, message, response=USUAL, error=USUAL):
-        """Exit code 2 and the message. `response` or `error` None: there is no such file."""
+        """Check for exit code 2 and the message. `response` or `error` None: there is no such file."""
         self.assertEqual((outcome.code, outcome.complaint), (2, f'Zorvane request error: {message}\n'))
         self.assertEqual(outcome.response, f'tok\nERROR\n{message}\n' if response is USUAL else response)
         self.assertEqual(outcome.error, message + '\n' if error is USUAL else error)
 
-    def answer_of(self, outcome, token='tok'):
-        """The answer in one line, the best line's empty rows at its end left out."""
-        self.assertEqual((outcome.code, outcome.complaint, outcome.error), (0, '', None))
-        self.assertEqual(outcome.files, {'', '.response'})
-        first, *lines, end = comparable(outcome.response).split('\n')
-        self.assertEqual((first, lines[0], len(lines), end), (token, 'OK', 20, ''))
-        return re.sub('(, 0 0 0 0 0 0)*$', '', ', '.join([' '.join(lines[1:8]), *lines[8:]]))
-
     def test_recorded_requests(self):
-        rows = table('requests.tsv')[::SAMPLE]
-        texts = [request_text(numbers=numbers, position=position, hints=filter(None, hints.split(';')))
-                 for numbers, position, hints, _ in rows]
-        for (numbers, position, hints, wanted), got in zip(rows, side_by_side(self.run_request, texts)):
-            with self.subTest(numbers, position=position, hints=hints):
-                if got.code:
-                    self.assert_failed(got, wanted)
-                elif wanted == NO_ANSWER:
-                    self.assertEqual(got.response, f'tok\nERROR\n{NO_ANSWER}\n')
-                else:
-                    self.assertEqual(self.answer_of(got), wanted)
+        check(self, 'requests.tsv', table('requests.tsv')[::SAMPLE])
 
     def test_lines_of_a_request(self):
-        """What comes of a whole file: the message and the token that the response repeats, or the answer."""
-        for text, token, wanted in table('request_texts.tsv'):
-            with self.subTest(text):
-                got = self.run_request(text.encode())
-                if got.code:
-                    self.assert_failed(got, wanted, f'{token}\nERROR\n{wanted}\n' if token else None)
-                else:
-                    self.assertEqual(self.answer_of(got, token), wanted)
+        """Whole files, and their error message and the token that the response repeats, or their answer."""
+        check(self, 'request_texts.tsv', table('request_texts.tsv'))
 
     def test_many_hints(self):
-        for others, move in ((255, 'g1f3'), (256, 'b1c3')):
-            hints = ['x9 1 1'] * (others - 1) + ['', 'short 1', 'x9 1 1', 'g1f3 1 0']
+        unhinted = self.run_request(request_text(numbers='300000 1 0 0 0 1 1')).response.split('\n')[2]
+        for others, move in ((255, 'g1f3'), (256, unhinted)):
+            hints = ['sevench 1 1'] * (others - 1) + ['', 'short 1', 'x9 1 1', 'g1f3 1 0']
             got = self.run_request(request_text(numbers='300000 1 0 0 0 1 1', hints=hints))
             self.assertEqual(got.response.split('\n')[2], move)
 
     def test_time_limit_gives_an_answer(self):
-        start = time.monotonic()
-        got = self.run_request(OUT_OF_TIME)
-        seen_ms = 1000 * (time.monotonic() - start)
-        self.answer_of(got)
-        depth, _, told_ms, _, moves = map(int, got.response.split('\n')[4:9])
-        self.assertTrue(depth < 8 and moves == 44 and 300 <= told_ms <= seen_ms, (depth, told_ms, seen_ms))
+        """In time, and that of the last finished iteration."""
+        def seen_ms():
+            start = time.monotonic()
+            got = self.run_request(OUT_OF_TIME)
+            seen_ms = 1000 * (time.monotonic() - start)
+            answer_of(got)
+            lines = got.response.split('\n')
+            depth, _, told_ms, _, moves = map(int, lines[4:9])
+            self.assertTrue(depth < 8 and moves == 44 and 300 <= told_ms <= seen_ms, (depth, told_ms, seen_ms))
+            if depth > 0:
+                full = self.run_request(request_text(numbers=f'300000 {depth} 1024 1 1 0 0', position=LONG_REQUEST))
+                same = full.response.split('\n')
+                self.assertEqual(lines[2:5] + lines[7:], same[2:5] + same[7:])
+            return seen_ms
+
+        self.assertTrue(in_time(seen_ms, 300))
 
     def test_cannot_read(self):
         self.assert_failed(self.run_request(None), 'Cannot open request file', None)
@@ -76,9 +62,15 @@ class Requests(RequestCase):
         self.assert_failed(self.run_request(None, 'folder'), 'Cannot open request file', None)
 
     @native_only
-    def test_pipe_is_no_request(self):
+    def test_only_files_count(self):
+        """A pipe is not a request, and neither a pipe nor a folder cancels one."""
         os.mkfifo(self.folder / 'pipe')
         self.assert_failed(self.run_request(None, 'pipe'), 'Cannot open request file', None)
+        for make in (os.mkfifo, os.mkdir):
+            name = next(self.names)
+            make(self.folder / (name + '.cancel'))
+            got = self.run_request(request_text(numbers='300000 6 0 1 1 0 0'), name)
+            self.assertEqual((got.code, got.files), (0, {'', '.response', '.cancel'}))
 
     def test_folder_in_the_way(self):
         for ending, message in {'.response': 'Cannot publish response file',
@@ -90,8 +82,28 @@ class Requests(RequestCase):
         self.assert_failed(self.run_request(b'x\ntok\n', 'e'), 'Invalid request header', error=None)
 
     @native_only
+    def test_pipe_or_link_in_the_way(self):
+        """The engine does not wait for a reader of the pipe, and writes nothing through the link."""
+        target = self.folder / 'target'
+        os.mkfifo(self.folder / 'read')
+        self.addCleanup(os.close, os.open(self.folder / 'read', os.O_RDONLY | os.O_NONBLOCK))
+        for make in (os.mkfifo, lambda path: os.link(self.folder / 'read', path), lambda path: path.symlink_to(target)):
+            for content in (None, 'kept'):
+                if content:
+                    target.write_text(content)
+                name = next(self.names)
+                make(self.folder / (name + '.response.tmp'))
+                self.assert_failed(self.run_request(request_text(), name), 'Cannot create response file', None)
+                name = next(self.names)
+                make(error := self.folder / (name + '.error.txt'))
+                self.assert_failed(self.run_request(b'x\ntok\n', name), 'Invalid request header',
+                                   error=content if error.is_file() else None)
+                self.assertEqual(target.read_text() if target.exists() else None, content)
+            target.unlink()
+
+    @native_only
     def test_nothing_can_be_written(self):
-        """Not at all, or just enough for the failure to be told in the response; or nobody reads the complaint."""
+        """Nothing at all, or just enough for the response to name the failure; or nobody reads standard error."""
         for size, response, error in ((0, None, ''), (100, USUAL, USUAL)):
             limit = {'preexec_fn': lambda size=size: resource.setrlimit(resource.RLIMIT_FSIZE, (size, size))}
             got = self.run_request(request_text(), **limit)
@@ -108,7 +120,7 @@ class Requests(RequestCase):
             dots = (length - len(str(self.folder)) - 2) // 2
             return str(self.folder) + '/.' * dots + '/' + 'r' * (length - len(str(self.folder)) - 2 * dots - 1)
 
-        self.answer_of(self.run_request(request_text(), path_of(3900)))
+        answer_of(self.run_request(request_text(), path_of(3900)))
         shutil.rmtree(self.folder)
         self.folder.mkdir()
         for length in (3901, 4095, 9000):
@@ -119,20 +131,29 @@ class Requests(RequestCase):
     @native_only
     def test_old_response_is_replaced(self):
         (self.folder / 'r.response').write_text('old')
-        self.answer_of(self.run_request(request_text(), 'r'))
+        self.addCleanup(os.umask, os.umask(0o027))
+        answer_of(self.run_request(request_text(), 'r'))
+        self.assertEqual((self.folder / 'r.response').stat().st_mode & 0o777, 0o640)
 
     def test_cancel(self):
-        for wait_s in (None, 0.2):                      # None: the file is there before the engine starts
-            request, cancel = self.folder / 'r', self.folder / 'r.cancel'
+        request, cancel = self.folder / 'r', self.folder / 'r.cancel'
+
+        def late_ms():
             request.write_bytes(ENDLESS)
-            if wait_s is None:
+            with started([*ENGINE, '--request', request]) as engine:
+                time.sleep(0.2)
                 cancel.touch()
-            engine = subprocess.Popen([*ENGINE, '--request', request])
-            if wait_s is not None:
-                time.sleep(wait_s)
-                cancel.touch()
-            self.assertEqual(engine.wait(60), 0)
+                start = time.monotonic()
+                self.assertEqual(engine.wait(HANG_S), 0)
             self.assertEqual(list(self.folder.iterdir()), [])
+            return 1000 * (time.monotonic() - start)
+
+        self.assertTrue(in_time(late_ms, 0))
+
+    def test_cancelled_before_it_starts(self):
+        (self.folder / 'r.cancel').touch()
+        got = self.run_request(ENDLESS, 'r')
+        self.assertEqual((got.code, got.complaint, got.files), (0, '', set()))
 
     def test_cancel_without_a_search(self):
         (self.folder / 'r.cancel').touch()

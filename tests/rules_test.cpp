@@ -1,7 +1,8 @@
-// The rules: the fast ways against the slow ones of the engine itself, every field that a move keeps, and FEN.
+// The rules: the engine's fast code against its slow code, every field that a move updates, and FEN.
 #include <algorithm>
 #include <numeric>
 
+#include "board/check_squares.h"
 #include "board/fen.h"
 #include "board/legal_moves.h"
 #include "board/move_text.h"
@@ -9,7 +10,6 @@
 #include "board/position_key.h"
 #include "board/rules.h"
 #include "engine_test.h"
-#include "quiescence/check_squares.h"
 
 using namespace zorvane;
 
@@ -17,13 +17,13 @@ namespace {
 
 class RulesTest : public EngineTest {};
 
-// Move sets by pins and checkers against the test of each pair of squares.
+// Move sets from pins and checkers against IsLegalMove for each pair of squares.
 TEST_F(RulesTest, LegalMoves) {
   ForEachPosition([] {
     for (const Side side : {kWhite, kBlack}) {
       std::vector<PackedMove> moves;
       for (PackedMove move = 0; move < kPackedMoves; ++move)
-        if (IsLegalMoveOf(side, move))
+        if (IsLegalMoveFor(side, move))
           moves.push_back(move);
       EXPECT_EQ(LegalMoveList(side), moves);
       MoveSets sets;
@@ -32,13 +32,13 @@ TEST_F(RulesTest, LegalMoves) {
       EXPECT_EQ(HasLegalMove(side), !moves.empty());
       SideToMove = side;
       EXPECT_EQ(Perft(1), std::accumulate(moves.begin(), moves.end(), 0U, [](unsigned sum, PackedMove move) {
-                  return sum + (TypeOf(PieceOn(FromOf(move))) == kPawn && Contains(kLastRows, ToOf(move)) ? 4 : 1);
+                  return sum + (TypeOf(PieceOn(FromOf(move))) == kPawn && Contains(kPromotionRows, ToOf(move)) ? 4 : 1);
                 }));
     }
   });
 }
 
-// Which moves give check: at one look against trying each.
+// Which moves give check: CheckSquares against trying each move.
 template <Side Us> void CompareChecks() {
   if (IsInCheck(Opposite(Us)))
     return;
@@ -47,10 +47,10 @@ template <Side Us> void CompareChecks() {
     const int from = FromOf(move);
     const int to = ToOf(move);
     const PieceType type = TypeOf(PieceOn(from));
-    const bool compound = (type == kPawn && (Contains(kLastRows, to) || IsEnPassantMove(from, to))) ||
+    const bool compound = (type == kPawn && (Contains(kPromotionRows, to) || IsEnPassantMove(from, to))) ||
                           (type == kKing && Absolute(from - to) == 2);
     if (!compound) {
-      EXPECT_EQ(Contains(CheckingTargetsOf(checks, from, type), to), MoveGivesCheck(3, from, to)) << from << ' ' << to;
+      EXPECT_EQ(Contains(CheckingTargets(checks, from, type), to), MoveGivesCheck(from, to)) << from << ' ' << to;
     }
   }
 }
@@ -62,7 +62,7 @@ TEST_F(RulesTest, Checks) {
   });
 }
 
-// The board hash as it is defined, square by square.
+// The board hash by its definition, square by square.
 std::uint64_t SlowBoardHash() {
   std::uint64_t hash = 0;
   for (int square = 0; square < kSquares; ++square)
@@ -70,21 +70,21 @@ std::uint64_t SlowBoardHash() {
   return hash;
 }
 
-// What MakeMove keeps step by step, against the same board put together afresh.
+// The fields that MakeMove updates, against the same board set up from scratch.
 TEST_F(RulesTest, EveryMoveKeepsTheSums) {
   ForEachPosition([] {
     for (const PackedMove move : LegalMoveList(SideToMove)) {
       SaveState(5);
       MakeMove(FromOf(move), ToOf(move));
-      const BoardState made = Position;
-      Position = {};
+      const BoardState made = Board;
+      Board = {};
       for (int square = 0; square < kSquares; ++square)
-        if (const Piece piece = made.Board[square]; piece != kNoPiece)
+        if (const Piece piece = made.Squares[square]; piece != kNoPiece)
           PutPiece(square, piece);
-      Position.HalfmoveClock = made.HalfmoveClock;
-      Position.MovedFlags = made.MovedFlags;
-      Position.EnPassantSquare = made.EnPassantSquare;
-      EXPECT_TRUE(SameState(Position, made)) << FromOf(move) << ' ' << ToOf(move);
+      Board.HalfmoveClock = made.HalfmoveClock;
+      Board.MovedFlags = made.MovedFlags;
+      Board.EnPassantSquare = made.EnPassantSquare;
+      EXPECT_TRUE(SameState(Board, made)) << FromOf(move) << ' ' << ToOf(move);
       EXPECT_EQ(BoardHash(), SlowBoardHash()) << FromOf(move) << ' ' << ToOf(move);
       RestoreState(5);
     }
@@ -97,7 +97,7 @@ TEST_F(RulesTest, MovesByHand) {
     ASSERT_TRUE(LoadFen(row[0].c_str()));
     EXPECT_EQ(ApplyUciMove(row[1].c_str()), row[2] != "-");
     if (row[2] != "-") {
-      EXPECT_EQ(CurrentFen() + " " + std::to_string(Position.MovedFlags), row[2]);
+      EXPECT_EQ(CurrentFen() + " " + std::to_string(Board.MovedFlags), row[2]);
     }
   }
 }
@@ -106,21 +106,21 @@ TEST_F(RulesTest, FenTakenOverOrRefused) {
   for (const auto &row : ReadTable("fens.tsv")) {
     SCOPED_TRACE(row[0]);
     ASSERT_TRUE(LoadFen("r3k2r/8/8/8/8/8/8/R3K2R b Kq e3 5 7"));
-    const BoardState before = Position;
+    const BoardState before = Board;
     if (row[1] == "-") {
       EXPECT_FALSE(LoadFen(row[0].c_str()));
-      EXPECT_TRUE(SameState(Position, before) && SideToMove == kBlack && GamePly == 13);
+      EXPECT_TRUE(SameState(Board, before) && SideToMove == kBlack && GamePly == 13);
     } else {
       EXPECT_TRUE(LoadFen(row[0].c_str()));
       EXPECT_EQ(CurrentFen(), row[1]);
       EXPECT_EQ(std::to_string(GamePly), row[2]);
-      EXPECT_EQ(std::to_string(Position.MovedFlags), row[3]);
+      EXPECT_EQ(std::to_string(Board.MovedFlags), row[3]);
     }
-    EXPECT_EQ(GameHistoryCount, 1);
+    EXPECT_EQ(GameHistoryCount(), 1);
   }
 }
 
-// Two positions in each row, and whether they are the same one.
+// Each row has two positions and whether they are the same.
 TEST_F(RulesTest, SamePosition) {
   for (const auto &row : ReadTable("keys.tsv")) {
     ASSERT_TRUE(LoadFen(row[0].c_str()));
@@ -130,15 +130,29 @@ TEST_F(RulesTest, SamePosition) {
   }
 }
 
-// Mostly the way back of the move before the last, so that positions come again.
-PackedMove WaveringMove(const std::vector<PackedMove> &played) {
-  const PackedMove mine = played.size() < 2 ? kNoMove : played[played.size() - 2];
-  if (mine != kNoMove && RandomBelow(8) != 0 && IsLegalMoveOf(SideToMove, PackMove(ToOf(mine), FromOf(mine))))
-    return PackMove(ToOf(mine), FromOf(mine));
-  return RandomMove();
+// The side's own move, so many of its moves ago; kNoMove if there is none.
+PackedMove OwnMove(const std::vector<PackedMove> &played, size_t ago) {
+  return played.size() < 2 * ago ? kNoMove : played[played.size() - 2 * ago];
 }
 
-// On a search line below the game: as often as the key has been there.
+// Mostly moves a piece back to where it was one or two own moves ago, so that positions recur after four or six plies.
+PackedMove WaveringMove(const std::vector<PackedMove> &played) {
+  const PackedMove last = OwnMove(played, 1);
+  const PackedMove before = OwnMove(played, 2);
+  if (last == kNoMove || RandomBelow(8) == 0)
+    return RandomMove();
+  const bool sameMover = before != kNoMove && ToOf(before) == FromOf(last);
+  for (const PackedMove back :
+       {sameMover ? PackMove(ToOf(last), FromOf(before)) : kNoMove, PackMove(ToOf(last), FromOf(last))})
+    if (back != kNoMove && FromOf(back) != ToOf(back) && RandomBelow(4) != 0 && IsLegalMoveFor(SideToMove, back))
+      return back;
+  const std::vector<PackedMove> moves = LegalMoveList(SideToMove);
+  const auto again =
+      std::find_if(moves.begin(), moves.end(), [&](PackedMove move) { return FromOf(move) == ToOf(last); });
+  return again != moves.end() ? *again : RandomMove();
+}
+
+// On a search line after a game: a position has occurred as often as its key.
 void CompareCountsOnALine(std::vector<PositionKey> keys, std::vector<PackedMove> played) {
   for (int ply = 1; ply < kUndoSlots; ++ply) {
     const PackedMove move = WaveringMove(played);
@@ -155,20 +169,30 @@ void CompareCountsOnALine(std::vector<PositionKey> keys, std::vector<PackedMove>
   }
 }
 
+// After a double step the same board comes again as another position if a pawn could take en passant.
+TEST_F(RulesTest, ADoubleStepOnTheLine) {
+  for (const auto &[fen, count] : {std::pair{"4k3/8/8/8/1p6/8/P7/4K3 w - -", 0}, {"4k3/8/8/8/2p5/8/P7/4K3 w - -", 1}}) {
+    ASSERT_TRUE(LoadFen(fen));
+    int ply = 0;
+    for (const char *move : {"a2a4", "e8d8", "e1d1", "d8e8", "d1e1"})
+      PlayFrom(ply++, MoveOfText(move));
+    EXPECT_EQ(CountEqualPositions(kBlack, ply), count);
+  }
+}
+
 TEST_F(RulesTest, RepetitionsInTheGameAndOnTheLine) {
   for (const auto &row : ReadTable("positions.tsv")) {
     ASSERT_TRUE(LoadFen(row[0].c_str()));
     std::vector<PositionKey> keys{BuildPositionKey(SideToMove)};
     for (std::vector<PackedMove> played; played.size() < 60 && RandomMove() != kNoMove;) {
-      const BoardState root = Position;
+      const BoardState root = Board;
       const Side side = SideToMove;
       CompareCountsOnALine(keys, played);
-      Position = root;
+      Board = root;
       SideToMove = side;
       played.push_back(WaveringMove(played));
-      BoundedString text;
-      MoveText(text, PieceOn(FromOf(played.back())), FromOf(played.back()), ToOf(played.back()));
-      ASSERT_TRUE(ApplyUciMove(text.Text.data()));
+      const MoveChars text = MoveText(PieceOn(FromOf(played.back())), FromOf(played.back()), ToOf(played.back()));
+      ASSERT_TRUE(ApplyUciMove(text.data()));
       keys.push_back(BuildPositionKey(SideToMove));
     }
     ASSERT_FALSE(HasFailure()) << row[0];
@@ -179,7 +203,7 @@ TEST_F(RulesTest, AFullHistoryTakesNoFurtherPosition) {
   constexpr const char *shuffle[] = {"g1f3", "g8f6", "f3g1", "f6g8"};
   for (int i = 0; i < 1050; ++i)
     ASSERT_TRUE(ApplyUciMove(shuffle[i % 4]));
-  EXPECT_EQ(GameHistoryCount, 1001);
+  EXPECT_EQ(GameHistoryCount(), 1001);
   EXPECT_EQ(GamePly, 1050);
   EXPECT_EQ(CountRepetitions(kWhite, 1, 2), 250);
   EXPECT_EQ(CountRepetitions(kBlack, 1, 2), 0);

@@ -1,19 +1,23 @@
-// A search from inside: its scores, the table, the stop, and what it allocates.
+// The search from inside: scores, table, stopping, and what it allocates.
 #include <cstdlib>
+#include <utility>
 
+#include "base/memory_block.h"
+#include "base/program_clock.h"
 #include "board/fen.h"
-#include "board/memory_block.h"
 #include "board/rules.h"
 #include "engine_test.h"
 #include "evaluation/evaluate.h"
 #include "frontend/go_command.h"
+#include "search/best_line.h"
 #include "search/search_driver.h"
-#include "search/stop_control.h"
-#include "search/transposition_table.h"
+#include "search/search_levels.h"
+#include "tree/stop_control.h"
+#include "tree/transposition_table.h"
 
 using namespace zorvane;
 
-// The sanitizers have these functions for themselves.
+// The sanitizers replace these functions themselves.
 #if defined(__GLIBC__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
 #define COUNTS_ALLOCATIONS
 
@@ -43,14 +47,9 @@ constexpr char kTactical[] = "r3k2r/p1ppqpb1/bn2pnp1/3PN3/1p2P3/2N2Q1p/PPPBBPPP/
 
 class SearchTest : public EngineTest {};
 
-void Search(const char *fen, int depth) {
-  ASSERT_TRUE(LoadFen(fen));
-  RunSearch({depth, 300});
-}
-
-// What a node of White's leaves when e5d7 was its best move.
+// What a White node does to the table if e5d7 is its best move.
 void ProbeAndStore(int ply, Side prober = kWhite) {
-  ProbeTransposition(ply, prober);
+  ProbeTransposition(prober, ply);
   StoreTransposition(ply, PackMove(28, 11));
 }
 
@@ -61,10 +60,10 @@ TEST_F(SearchTest, TheTableKeepsOneMoveForEachBoard) {
     ASSERT_EQ(StoredMove(SlotIndex()), 0);
     ProbeAndStore(ply);
     DisplaceOtherPosition();
-    EXPECT_EQ(ProbeTransposition(ply, kWhite), PackMove(28, 11)) << "the position's own evaluation leaves its move";
-    EXPECT_EQ(ProbeTransposition(ply, kBlack), kNoMove);
+    EXPECT_EQ(ProbeTransposition(kWhite, ply), PackMove(28, 11)) << "the position's own evaluation leaves its move";
+    EXPECT_EQ(ProbeTransposition(kBlack, ply), kNoMove);
     ProbeAndStore(ply, kBlack); // takes the slot over
-    EXPECT_EQ(ProbeTransposition(ply, kWhite), kNoMove);
+    EXPECT_EQ(ProbeTransposition(kWhite, ply), kNoMove);
     EXPECT_NE(StoredMove(SlotIndex()), 0);
     DisplaceOtherPosition();
     EXPECT_EQ(StoredMove(SlotIndex()), 0) << "the other side's move goes with its key";
@@ -73,13 +72,19 @@ TEST_F(SearchTest, TheTableKeepsOneMoveForEachBoard) {
   ProbeAndStore(1);
   EXPECT_EQ(StoredMove(SlotIndex()), 0);
   EnableTranspositionMoves(true);
-  ProbeTransposition(1, kWhite);
+  ProbeTransposition(kWhite, 1);
   RequestStop();
   ASSERT_TRUE(ShouldStop());
   StoreTransposition(1, PackMove(28, 11));
   EXPECT_EQ(StoredMove(SlotIndex()), 0) << "nothing is stored once the search is aborted";
   ResizeTransposition(7);
   EXPECT_EQ(TranspositionSlots, 4096);
+}
+
+TEST_F(SearchTest, AnAccessBeyondABlockEndsTheProcess) {
+  const std::size_t length = BlockOf(kTranspositionBlock).Length;
+  EXPECT_EXIT(RecordAt<std::uint16_t>(kTranspositionBlock, length - 1), testing::ExitedWithCode(2),
+              "^memory bounds 905 " + std::to_string(length - 1) + " 2\n$");
 }
 
 TEST_F(SearchTest, StopAndDeadline) {
@@ -95,39 +100,86 @@ TEST_F(SearchTest, StopAndDeadline) {
   RequestStop();
   EXPECT_TRUE(ShouldStop() && SearchAborted);
 
-  Search(kTactical, 3); // with the stop already set: the first legal move and the evaluation
-  EXPECT_EQ(Result().BestMove, LegalMoveList(kWhite).front());
-  EXPECT_EQ(Result().BestScore, Evaluate());
-  EXPECT_EQ(Result().CompletedDepth + Result().Nodes, 0);
+  ASSERT_TRUE(LoadFen(kTactical));
+  SearchResult result = RunSearch({3, kLongestTimeMs}, {}); // the first legal move and the evaluation
+  EXPECT_EQ(result.BestMove, LegalMoveList(kWhite).front());
+  EXPECT_EQ(result.BestScore, Evaluate());
+  EXPECT_EQ(result.CompletedDepth + result.Nodes, 0);
 
   ClearStopRequest();
-  const BoardState before = Position;
-  RunSearch({kDepthLimit, 0.02}); // cut off in the middle of an iteration
-  EXPECT_LT(Result().CompletedDepth, kDepthLimit);
-  EXPECT_TRUE(IsLegalMove(FromOf(Result().BestMove), ToOf(Result().BestMove)));
-  EXPECT_TRUE(SameState(Position, before));
+  const BoardState before = Board;
+  result = RunSearch({kDepthLimit, 20}, {}); // stopped in the middle of an iteration
+  EXPECT_LT(result.CompletedDepth, kDepthLimit);
+  EXPECT_TRUE(IsLegalMove(FromOf(result.BestMove), ToOf(result.BestMove)));
+  EXPECT_TRUE(SameState(Board, before));
 }
 
-// A search that ends within its first iteration, which takes some 700,000 nodes here and 100,000
-// for its first move, gives the best move so far.
+// After the test that says yes, no node asks again.
+TEST_F(SearchTest, AStopEndsEveryNodeAtOnce) {
+  ASSERT_TRUE(LoadFen(kTactical));
+  RequestStop();
+  ASSERT_TRUE(PollNow());
+  const int untouched = NodesToStopTest;
+  EXPECT_LE(untouched, 1000) << "so many nodes more than wanted";
+  for (int nodes = 1; nodes < 20000; nodes += 997) {
+    ResetStopControl();
+    NodesToStopTest = nodes;
+    SearchLevels(kWhite, 5, -kInfinity, kInfinity);
+    ASSERT_EQ(NodesToStopTest, untouched) << nodes;
+  }
+}
+
+// The position is evaluated even if nothing is searched, unless it has no moves and the search is stopped.
+TEST_F(SearchTest, ASearchWithoutNodesDisplacesAllTheSame) {
+  constexpr char mated[] = "rnb1kbnr/pppp1ppp/8/4p3/6Pq/5P2/PPPPP2P/RNBQKBNR w KQkq - 1 3";
+  for (const auto &[fen, stopped] : {std::pair{kTactical, true}, {mated, true}, {mated, false}}) {
+    SetUp();
+    ASSERT_TRUE(LoadFen(fen));
+    ProbeAndStore(0, kBlack);
+    if (stopped)
+      RequestStop();
+    RunSearch({1, kLongestTimeMs}, {});
+    EXPECT_EQ(StoredMove(SlotIndex()) == 0, fen == kTactical || !stopped);
+  }
+}
+
+TEST_F(SearchTest, TheKeptLine) {
+  ASSERT_TRUE(LoadFen(kTactical));
+  StoreLine(kWhite, 1, 28, 11);
+  StoreLine(kWhite, 0, 28, 11);
+  KeepLine();
+  EXPECT_EQ(KeptMove(kWhite, 1), PackMove(28, 11));
+  EXPECT_EQ(KeptMove(kBlack, 1), kNoMove);
+  ClearLine(1);
+  StoreLine(kWhite, 0, 28, 11);
+  KeepLine();
+  EXPECT_EQ(KeptMove(kWhite, 1), kNoMove) << "the line has become shorter";
+  EXPECT_EQ(KeptLine()[1].Move, PackMove(28, 11));
+  RequestStop();
+  EXPECT_FALSE(RunSearch({1, kLongestTimeMs}, {}).Line[0].Valid) << "a new search has no line yet";
+}
+
+// A search stopped in its first iteration, which takes about 700,000 nodes here, 100,000 of them for the first move,
+// returns the best move so far.
 TEST_F(SearchTest, TheBestMoveOfAFirstIterationCutOff) {
   ASSERT_TRUE(LoadFen("r1q1k1qr/1q1q1q1q/q1q2q1q/8/8/Q1Q2Q1Q/1Q1Q1Q1Q/R1Q1K1QR w KQkq - 0 1"));
-  double seconds = 0.001;
+  double timeMs = 1;
+  SearchResult result;
   do {
-    seconds = seconds > 100 ? 0.001 : 1.5 * seconds; // from the start again after a hold-up
-    RunSearch({1, seconds});
-  } while (Result().CompletedDepth > 0 || Result().Nodes < 200000);
-  EXPECT_GT(Result().BestScore, Evaluate());
+    timeMs = timeMs > 100000 ? 1 : 1.5 * timeMs; // start again after a delay
+    result = RunSearch({1, timeMs}, {});
+  } while (result.CompletedDepth > 0 || result.Nodes < 200000);
+  EXPECT_GT(result.BestScore, Evaluate());
 }
 
-// Side to move, words behind "go", and the limits that the search gets.
+// Each row has the side to move, the words after "go", and the resulting limits.
 TEST_F(SearchTest, LimitsOfGo) {
   for (const auto &row : ReadTable("go_limits.tsv")) {
     SCOPED_TRACE(row[0] + " go" + row[1]);
     ASSERT_TRUE(LoadFen(("7k/5Q2/8/6K1/8/8/8/8 " + row[0] + " - -").c_str()));
     const SearchLimits limits = ReadGoCommand(("go" + row[1]).c_str()).Limits;
     EXPECT_EQ(limits.MaxDepth, std::stoi(row[2]));
-    EXPECT_NEAR(limits.TimeLimitSeconds, std::stod(row[3]), 1e-9);
+    EXPECT_NEAR(limits.TimeMs, std::stod(row[3]), 1e-6);
   }
 }
 
@@ -139,11 +191,11 @@ TEST_F(SearchTest, AllocatesNothingButThePawnCache) {
     SearchOptions options;
     options.PawnCacheEnabled = cached;
     const int before = Allocations;
-    RunSearch({4, 300}, options);
+    RunSearch({4, kLongestTimeMs}, options);
     EXPECT_EQ(Allocations - before, expected);
   }
   const int before = Allocations;
-  void *volatile block = std::malloc(1); // volatile: else compilers leave the pair out
+  void *volatile block = std::malloc(1); // volatile, or compilers remove the pair
   std::free(block);
   EXPECT_EQ(Allocations - before, 1) << "the count must work";
 }

@@ -1,18 +1,18 @@
 # shellcheck shell=bash
-# What the scripts share. Source it first: it moves to the repository's folder.
+# Shared by all scripts. Source it first: it changes to the root of the repository.
 
 cd "$(dirname "${BASH_SOURCE[0]}")/../.." || exit 1
 
-# Ends the script with a message.
+# Prints a message and ends the script.
 fail() {
   echo "$(basename "$0"): $*" >&2
   exit 1
 }
 
 # install_missing PROBE=PACKAGE ...
-# Installs the Debian packages whose probe is absent. A probe is a command, or
-# a file when it begins with a slash. Asks nothing; says what it installs on
-# standard error. With ZORVANE_NO_INSTALL set it fails instead and names them.
+# Installs the Debian packages whose probe is missing. A probe is a command, or a
+# file if it begins with a slash. Never asks; names on standard error what it
+# installs. With ZORVANE_NO_INSTALL set it names the packages and fails instead.
 install_missing() {
   local missing=() need probe
   for need in "$@"; do
@@ -38,33 +38,48 @@ install_missing() {
   "${as_root[@]}" "${apt_get[@]}" install -y --no-install-recommends "${missing[@]}" >&2
 }
 
-# What building needs. A build is not configured without its tests, so their
-# tools belong to it.
+# What building needs. Configuring includes the tests, so their libraries are
+# among it.
 install_build_tools() {
   install_missing cmake=cmake ninja=ninja-build clang++=clang ld.lld=lld \
     python3=python3 /usr/include/gtest/gtest.h=libgtest-dev
 }
 
-# The runtime of the fuzz targets lies where clang looks for it.
+# The fuzzer runtime must be where clang looks for it.
 install_fuzz_tools() {
   install_build_tools
   install_missing "$(clang++ -print-resource-dir)/lib/linux/libclang_rt.fuzzer-x86_64.a=libclang-rt-dev"
 }
 
-# The variant of mingw-w64 with the threads of Windows itself.
+# mingw-w64 in the variant that uses native Windows threads.
 install_windows_tools() {
   install_build_tools
   install_missing x86_64-w64-mingw32-g++-win32=g++-mingw-w64-x86-64-win32
 }
 
-# What running the tests needs, beside the build tools.
+# clang, its runtime and libc++ for WebAssembly are of one version.
+install_wasm_tools() {
+  install_build_tools
+  install_missing clang++-14=clang-14 /usr/lib/wasm32-wasi/libc.a=wasi-libc \
+    /usr/lib/wasm32-wasi/libc++.a=libc++-14-dev-wasm32 /usr/lib/wasm32-wasi/libc++abi.a=libc++abi-14-dev-wasm32 \
+    /usr/lib/llvm-14/lib/clang/14.0.6/lib/wasi/libclang_rt.builtins-wasm32.a=libclang-rt-14-dev-wasm32
+}
+
+# The packages of web/, in the versions of its lock file.
+install_web_packages() {
+  install_missing node=nodejs npm=npm
+  if [[ ! web/node_modules/.package-lock.json -nt web/package-lock.json ]]; then
+    npm ci --prefix web >&2
+  fi
+}
+
+# What running the tests needs besides the build tools.
 install_test_tools() {
-  install_missing parallel=parallel \
-    /usr/games/pgn-extract=pgn-extract /usr/lib/python3/dist-packages/jinja2=python3-jinja2
+  install_missing parallel=parallel /usr/games/pgn-extract=pgn-extract
 }
 
 # configure PRESET [CMAKE_ARGUMENT ...]
-# Quiet unless it fails: standard output stays free for the program that a
+# Prints nothing unless it fails: standard output belongs to the program that a
 # script runs afterwards.
 configure() {
   local log
@@ -75,7 +90,7 @@ configure() {
 }
 
 # build PRESET [TARGET ...]
-# Configures and builds, all of the preset by default, on standard error.
+# Configures and builds the targets, all by default. Output goes to standard error.
 build() {
   local preset=$1
   shift

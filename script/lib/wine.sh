@@ -1,17 +1,17 @@
 # shellcheck shell=bash
-# Wine, for running the Windows programs here. Needs common.sh.
+# Runs Windows programs under wine. Needs common.sh.
 
 readonly wine_attempts=3
 readonly wine_start_s=120
 
 # find_wine NAME
-# Where a program of wine is: Debian keeps them off the path.
+# Prints the path of one of wine's programs: Debian does not put them in PATH.
 find_wine() {
   command -v "$1" || dpkg -L wine64 2>/dev/null | grep -m 1 "/$1\$"
 }
 
-# Installs wine where it is missing; its Windows will be in build/wine, without
-# the parts that would ask or write elsewhere.
+# Installs wine if it is missing and sets its environment. The Windows folder is
+# build/wine; parts that would ask questions or write elsewhere are disabled.
 prepare_wine() {
   install_missing "$(find_wine wine64)=wine64"
   wine=$(find_wine wine64)
@@ -21,8 +21,8 @@ prepare_wine() {
   export LC_ALL=C.UTF-8
 }
 
-# Sets up that Windows and starts it. On a busy machine wine at times does not
-# come up: only that is tried again. What fails afterwards is a fault.
+# Sets up that folder and starts wine. On a busy machine wine sometimes fails to
+# start: only this is retried. Any later failure is a real one.
 start_wine() {
   local attempt
   for ((attempt = 1; attempt <= wine_attempts; attempt++)); do
@@ -34,18 +34,18 @@ start_wine() {
   fail "wine does not start"
 }
 
-# Starts the server and keeps it up until stop_wine, which makes programs start
-# quickly. A server that still lingers is no good, it may know no screen. Then
-# a program of wine's own has to answer, on the console and as the desktop
-# starts it. It also brings up the services, which would otherwise hold on to
-# the streams of the first program of a test.
+# Starts the server and keeps it running until stop_wine, so that programs start
+# quickly. A server left over from before is stopped first: it may not have a
+# screen. Then one of wine's own programs has to answer, on the console and as
+# the desktop starts it. This also starts the services, which would otherwise
+# keep the streams of a test's first program open.
 try_wine() {
   local answer=build/wine.answer
   stop_wine
   if [[ ! -e $WINEPREFIX/system.reg ]]; then
     mkdir -p "$WINEPREFIX"
     timeout "$wine_start_s" "$wine" wineboot -i </dev/null >/dev/null 2>&1 || return 1
-    timeout "$wine_start_s" "$wineserver" -w || return 1  # programs that start before all is set up may fail
+    timeout "$wine_start_s" "$wineserver" -w || return 1  # programs started before setup ends may fail
   fi
   "$wineserver" -p || return 1
   timeout "$wine_start_s" "$wine" cmd /c echo ready </dev/null >"$answer" 2>&1 || return 1

@@ -3,7 +3,7 @@
 #include <cassert>
 #include <initializer_list>
 
-#include "board/array.h"
+#include "base/array.h"
 #include "board/magic_factors.h"
 
 namespace zorvane {
@@ -41,7 +41,7 @@ constexpr Array<Array<Bitboard, kSquares>, 2> PawnTable() {
   return table;
 }
 
-// File and diagonals through a square, without the square itself; rows have a table of their own.
+// File and diagonals through a square, without the square itself; rows have their own table.
 struct LineSet {
   Bitboard File;
   Bitboard Diagonal;
@@ -91,8 +91,8 @@ constexpr Array<Array<std::uint8_t, 8>, 64> RowTable() {
 
 constexpr Array<Array<std::uint8_t, 8>, 64> kRowAttacks = RowTable();
 
-// Hyperbola quintessence: o - 2r finds the first blocker above, byte-swapped the first below. For lines with at most
-// one square in a row.
+// Hyperbola quintessence: o - 2r finds the first blocker above, and byte-swapped the first below. For lines with at
+// most one square in each row.
 inline Bitboard LineAttacks(int square, Bitboard occupied, Bitboard line) {
   const Bitboard blockers = occupied & line;
   const Bitboard up = blockers - Bit(square);
@@ -127,9 +127,9 @@ void FillLines() {
 
 } // namespace
 
-constexpr Array<Bitboard, kSquares> KingAttacks = StepTable(kKingSteps);
-constexpr Array<Bitboard, kSquares> KnightAttacks = StepTable(kKnightSteps);
-constexpr Array<Array<Bitboard, kSquares>, 2> PawnAttacks = PawnTable();
+constexpr Array<Bitboard, kSquares> kKingAttacks = StepTable(kKingSteps);
+constexpr Array<Bitboard, kSquares> kKnightAttacks = StepTable(kKnightSteps);
+constexpr Array<Array<Bitboard, kSquares>, 2> kPawnAttacks = PawnTable();
 
 Array<Array<Bitboard, kSquares>, kSquares> Between;
 Array<Array<Bitboard, kSquares>, kSquares> LineThrough;
@@ -144,14 +144,14 @@ constexpr int kBishopEntries = 5248;
 
 Array<Bitboard, kRookEntries + kBishopEntries> SliderTable;
 
-// A blocker on the edge of the board hides nothing behind it, so it need not be looked at.
+// A blocker on the edge of the board hides nothing, so edges are not part of a mask.
 constexpr Bitboard InnerSquares(int square) {
   const Bitboard rows = (RowMask(0) | RowMask(7)) & ~RowMask(RowOf(square));
   const Bitboard files = (kFileA | kFileH) & ~FileMask(FileOf(square));
   return ~(rows | files);
 }
 
-// Makes the entry of a slider on square, its sets in the table from next on; returns where the following one begins.
+// Fills the entry of a slider on square, with its sets in the table from next on; returns where the next one begins.
 template <typename Compute>
 Bitboard *FillSlider(SliderEntry &entry, int square, [[maybe_unused]] Bitboard factor, Compute compute,
                      Bitboard *next) {
@@ -163,7 +163,7 @@ Bitboard *FillSlider(SliderEntry &entry, int square, [[maybe_unused]] Bitboard f
   entry.Factor = factor;
   entry.Shift = 64 - squares;
 #endif
-  // Carry-rippler: all subsets of the mask, from the empty one back to it.
+  // Carry-rippler: visits all subsets of the mask, beginning with the empty one.
   Bitboard occupied = 0;
   do {
     next[SliderIndex(entry, occupied)] = compute(square, occupied);

@@ -1,26 +1,23 @@
 // Sets of squares as 64-bit words, and the attack sets of the pieces.
 //
-// Bit n is square n, so taking the lowest bit first walks the board row by row from a8: the order in which
-// the engine tries its moves.
+// Bit n is square n, so taking the lowest bit first walks the board row by row from a8: the order in which the engine
+// tries its moves.
 #pragma once
 
 #include <bit>
 #include <cassert>
 #include <cstddef>
 
-#include "board/array.h"
+#include "base/array.h"
 #include "board/types.h"
 
 namespace zorvane {
 
 constexpr Bitboard kFileA = 0x0101010101010101U;
 constexpr Bitboard kFileH = kFileA << 7;
-constexpr Bitboard kRow0 = 0xFFU;                     // the eighth rank
-constexpr Bitboard kLastRows = kRow0 | (kRow0 << 56); // where pawns promote, for both sides
+constexpr Bitboard kRow0 = 0xFFU;                          // the eighth rank
+constexpr Bitboard kPromotionRows = kRow0 | (kRow0 << 56); // of both sides
 constexpr Bitboard kAllSquares = ~Bitboard{0};
-
-// An odd factor that spreads the bits of a hash over the upper bits of the product.
-constexpr std::uint64_t kHashSpread = 0x9E3779B97F4A7C15U;
 
 constexpr Bitboard Bit(int square) { return Bitboard{1} << square; }
 constexpr Bitboard RowMask(int row) { return kRow0 << (row * 8); }
@@ -29,7 +26,7 @@ constexpr int Lsb(Bitboard set) { return std::countr_zero(set); }
 constexpr bool MoreThanOne(Bitboard set) { return (set & (set - 1)) != 0; }
 constexpr bool Contains(Bitboard set, int square) { return ((set >> square) & 1U) != 0; }
 
-// Takes the lowest square out of a set that is not empty, and returns it.
+// Removes the lowest square from a set, which must not be empty, and returns it.
 constexpr int PopLsb(Bitboard &set) {
   assert(set != 0);
   const int square = std::countr_zero(set);
@@ -39,7 +36,7 @@ constexpr int PopLsb(Bitboard &set) {
 
 constexpr int PopCount(Bitboard set) {
 #if defined(__x86_64__) && !defined(__POPCNT__)
-  // Without an instruction that counts, squares are taken off one by one: most sets have few, and searches gain 5 %.
+  // Without an instruction for counting, squares are removed one by one: most sets have few, and searches gain 5 %.
   int count = 0;
   for (; set != 0; set &= set - 1)
     ++count;
@@ -49,34 +46,34 @@ constexpr int PopCount(Bitboard set) {
 #endif
 }
 
-// All squares of a set moved one step: in the direction of a side's pawns or against it, towards file a or file h. What
-// would leave the board is dropped.
+// All squares of a set moved one step: in the direction of a side's pawns or against it, towards file a or file h.
+// Squares that would leave the board are dropped.
 template <Side Us> constexpr Bitboard ShiftForward(Bitboard set) { return Us == kWhite ? set >> 8 : set << 8; }
 template <Side Us> constexpr Bitboard ShiftBackward(Bitboard set) { return Us == kWhite ? set << 8 : set >> 8; }
 constexpr Bitboard ShiftWest(Bitboard set) { return (set & ~kFileA) >> 1; }
 constexpr Bitboard ShiftEast(Bitboard set) { return (set & ~kFileH) << 1; }
 
-// The squares that pawns of a side capture on.
+// The squares on which pawns of a side capture.
 template <Side Us> constexpr Bitboard PawnCaptures(Bitboard pawns) {
   return ShiftWest(ShiftForward<Us>(pawns)) | ShiftEast(ShiftForward<Us>(pawns));
 }
 
 // Attacks of kings, knights and pawns by from-square, for pawns by side first.
-extern const Array<Bitboard, kSquares> KingAttacks;
-extern const Array<Bitboard, kSquares> KnightAttacks;
-extern const Array<Array<Bitboard, kSquares>, 2> PawnAttacks;
+extern const Array<Bitboard, kSquares> kKingAttacks;
+extern const Array<Bitboard, kSquares> kKnightAttacks;
+extern const Array<Array<Bitboard, kSquares>, 2> kPawnAttacks;
 
 // Between: the squares strictly between two squares on a rank, file or diagonal. LineThrough: that whole line, from
 // edge to edge. Both are empty for squares on no common line. InitializeBitboards fills them.
 extern Array<Array<Bitboard, kSquares>, kSquares> Between;
 extern Array<Array<Bitboard, kSquares>, kSquares> LineThrough;
 
-// Fills the tables that are not constants. Must run before anything else of the engine.
+// Fills the tables that are not constants. Must run before anything else in the engine.
 void InitializeBitboards();
 
-// The attacks of a rook or bishop from one square, for every occupancy that it can tell apart.
+// The attacks of a rook or bishop from one square, for every occupancy that makes a difference.
 struct SliderEntry {
-  Bitboard Mask; // the relevant occupancy: its rays without the board edge
+  Bitboard Mask; // the relevant occupancy: its rays without the edge of the board
 #if !defined(ZORVANE_PEXT)
   Bitboard Factor; // the magic number
   int Shift;       // 64 less the number of squares in Mask
@@ -84,21 +81,20 @@ struct SliderEntry {
   const Bitboard *Attacks; // by SliderIndex
 };
 
-// One cache line, half of one with PEXT, so that a queen's look-up touches no second one.
-struct alignas(2 * sizeof(SliderEntry)) SliderPair {
+// One cache line, or half of one with PEXT, so that a queen's lookup touches only one.
+struct alignas(std::bit_ceil(2 * sizeof(SliderEntry))) SliderPair {
   SliderEntry Rook;
   SliderEntry Bishop;
 };
 
 extern Array<SliderPair, kSquares> SliderPairs;
 
-// The index of the attacks for an occupancy: by PEXT, or by magic multiplication for processors that have no PEXT or a
-// slow one in microcode.
+// The index of the attacks for an occupancy: by PEXT, or by magic multiplication on processors without a fast PEXT.
 inline std::size_t SliderIndex(const SliderEntry &entry, Bitboard occupied) {
 #if defined(ZORVANE_PEXT)
-  return __builtin_ia32_pext_di(occupied, entry.Mask); // its header would double the time to compile
+  return __builtin_ia32_pext_di(occupied, entry.Mask); // immintrin.h would double the compile time
 #else
-  return ((occupied & entry.Mask) * entry.Factor) >> entry.Shift;
+  return static_cast<std::size_t>(((occupied & entry.Mask) * entry.Factor) >> entry.Shift);
 #endif
 }
 

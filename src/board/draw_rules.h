@@ -8,18 +8,18 @@ namespace zorvane {
 
 constexpr int kFiftyMoveLimit = 100; // half-moves without a capture or pawn move
 
-// True when the position, with side to move, has occurred at least twice before, in the game or at earlier plies of the
-// search line, and side has a legal move: mate and stalemate go before.
+// True if the position, with side to move, has occurred at least twice before, in the game or at earlier plies of the
+// search line, and side has a legal move: mate and stalemate take precedence.
 inline bool IsRepetitionDraw(Side side, int ply) { return CountRepetitions(side, ply, 2) >= 2 && HasLegalMove(side); }
 
-// For positions with no pawns, rooks and queens: true with at most one minor piece, or with one bishop each, both on
-// squares of one colour.
+// For positions without pawns, rooks and queens: true with at most one minor piece, or with one bishop on each side,
+// both on squares of the same colour.
 bool IsDeadMinorEnding();
 
-// True when neither side has the material to mate. Two knights are thought to have it.
+// True if neither side has enough material to mate. Two knights count as enough.
 inline bool IsInsufficientMaterial() { return (Pieces(kPawn, kRook) | Pieces(kQueen)) == 0 && IsDeadMinorEnding(); }
 
-// The fifty-move rule and the material. Whether it is mate or stalemate, which go before, is for the caller to ask.
-inline bool IsMaterialOrClockDraw() { return Position.HalfmoveClock >= kFiftyMoveLimit || IsInsufficientMaterial(); }
+// The fifty-move rule and dead material. Mate and stalemate take precedence; the caller must check for them.
+inline bool IsMaterialOrClockDraw() { return Board.HalfmoveClock >= kFiftyMoveLimit || IsInsufficientMaterial(); }
 
 } // namespace zorvane

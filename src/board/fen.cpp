@@ -5,15 +5,15 @@
 #include <cstdio>
 #include <cstring>
 
-#include "board/array.h"
-#include "board/number_text.h"
+#include "base/array.h"
+#include "base/parse_integer.h"
 #include "board/position_key.h"
 
 namespace zorvane {
 
 namespace {
 
-// Far above every number that the clock is compared with, and so low that counting on cannot overflow.
+// Far above every number that the clock is compared with, and low enough that counting on cannot overflow.
 constexpr int kHighestLoadedClock = 1000000000;
 
 constexpr char kPieceLetters[] = "PRNBQK prnbqk";
@@ -21,7 +21,7 @@ constexpr char kPieceLetters[] = "PRNBQK prnbqk";
 using Placement = Array<Piece, kSquares>;
 
 // The piece of a FEN letter, kNoPiece for any other character.
-Piece PieceOfLetter(char letter) {
+Piece PieceForLetter(char letter) {
   const char *found = letter == ' ' || letter == '\0' ? nullptr : std::strchr(kPieceLetters, letter);
   if (found == nullptr)
     return kNoPiece;
@@ -30,7 +30,7 @@ Piece PieceOfLetter(char letter) {
                              : MakePiece(kBlack, static_cast<PieceType>(place - kPieceTypes));
 }
 
-// Reads the ranks of a FEN; false unless there are eight ranks of eight squares and one king of each side.
+// Reads the ranks of a FEN; false unless there are eight ranks of eight squares and one king for each side.
 bool ReadPlacement(const char *text, Placement &placement) {
   int file = 0;
   int row = 0;
@@ -47,7 +47,7 @@ bool ReadPlacement(const char *text, Placement &placement) {
       if (file > 8)
         return false;
     } else {
-      const Piece piece = PieceOfLetter(*text);
+      const Piece piece = PieceForLetter(*text);
       if (piece == kNoPiece || file > 7)
         return false;
       placement[MakeSquare(file++, row)] = piece;
@@ -58,7 +58,7 @@ bool ReadPlacement(const char *text, Placement &placement) {
   return row == 7 && file == 8 && kings[kWhite] == 1 && kings[kBlack] == 1;
 }
 
-// The target square of a FEN field, kNoSquare for "-"; false when it is neither.
+// Reads the en-passant field: a target square, or "-" for kNoSquare. False if it is neither.
 bool ReadEnPassant(const char *text, int &square) {
   square = kNoSquare;
   if (std::strcmp(text, "-") == 0)
@@ -100,16 +100,16 @@ bool LoadFen(const char *text) {
   if (std::sscanf(text, "%99s %3s %7s %7s%n", ranks, side, castling, target, &read) < 4)
     return false;
 
-  // The two counters are optional; a move number is only read behind a halfmove clock.
+  // The two counters are optional; a move number is only read after a halfmove clock.
   int clock = 0;
   int moveNumber = 1;
-  const char *behind = nullptr;
-  const int first = ParseInteger(text + read, &behind);
-  if (behind != text + read) {
+  const char *after = nullptr;
+  const int first = ParseInteger(text + read, &after);
+  if (after != text + read) {
     clock = first;
-    const char *rest = behind;
-    const int second = ParseInteger(rest, &behind);
-    if (behind != rest)
+    const char *rest = after;
+    const int second = ParseInteger(rest, &after);
+    if (after != rest)
       moveNumber = second;
   }
 

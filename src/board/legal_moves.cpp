@@ -10,8 +10,7 @@ void GenerateLegalMoves(MoveSets &moves, Side side) {
 }
 
 bool HasLegalMove(Side side) {
-  return side == kWhite ? HasLegalMoveOf<kWhite>(FindCheckInfo<kWhite>())
-                        : HasLegalMoveOf<kBlack>(FindCheckInfo<kBlack>());
+  return side == kWhite ? HasLegalMove<kWhite>(FindCheckInfo<kWhite>()) : HasLegalMove<kBlack>(FindCheckInfo<kBlack>());
 }
 
 int CountMoves(const MoveSets &moves) {

@@ -1,15 +1,15 @@
-// The legal moves of a side as sets of to-squares: from checkers and pins, which are worked out once.
+// The legal moves of a side as sets of to-squares, generated from checkers and pins, which are computed once.
 //
-// Right for every position that LoadFen accepts. Walking the from-squares upwards and each set of to-squares
-// upwards gives the order in which the engine tries moves.
+// Correct for every position that LoadFen accepts. Walking the from-squares upwards, and the to-squares of each
+// upwards, gives the order in which the engine tries moves.
 #pragma once
 
-#include "board/array.h"
+#include "base/array.h"
 #include "board/rules.h"
 
 namespace zorvane {
 
-// What generating a side's moves must know about its king. Valid until the position changes.
+// What move generation has to know about a side's king. Valid until the position changes.
 struct CheckInfo {
   int King;             // its square
   Bitboard Checkers;    // enemy pieces that give check
@@ -17,12 +17,11 @@ struct CheckInfo {
   Bitboard BishopReach; // attacks of a bishop there
 };
 
-// Blockers among candidates: each is the only piece between the square and a slider of straight (rooks, queens) or
-// diagonal (bishops, queens). rookReach and bishopReach are the attacks of a rook and a bishop on the square.
+// Those candidates that are the only piece between the square and a slider in straight (rooks, queens) or diagonal
+// (bishops, queens). rookReach and bishopReach are the attacks of a rook and a bishop on the square.
 inline Bitboard LoneBlockers(int square, Bitboard candidates, Bitboard rookReach, Bitboard bishopReach,
                              Bitboard straight, Bitboard diagonal) {
-  // X-ray: without the first candidates on the rays, a slider that is attacked now and was not before stands behind
-  // exactly one.
+  // X-ray: a slider that is reached only after the first candidate of each ray is removed has exactly one blocker.
   const Bitboard occupied = Occupied();
   Bitboard sliders = (RookAttacks(square, occupied & ~(rookReach & candidates)) & ~rookReach & straight) |
                      (BishopAttacks(square, occupied & ~(bishopReach & candidates)) & ~bishopReach & diagonal);
@@ -32,7 +31,7 @@ inline Bitboard LoneBlockers(int square, Bitboard candidates, Bitboard rookReach
   return found;
 }
 
-// The info of the side Us, about its own king.
+// The info about the king of Us.
 template <Side Us> inline CheckInfo FindCheckInfo() {
   constexpr Side them = Opposite(Us);
   CheckInfo info;
@@ -40,61 +39,61 @@ template <Side Us> inline CheckInfo FindCheckInfo() {
   info.RookReach = RookAttacks(info.King, Occupied());
   info.BishopReach = BishopAttacks(info.King, Occupied());
   info.Checkers = ((info.RookReach & Pieces(kRook, kQueen)) | (info.BishopReach & Pieces(kBishop, kQueen)) |
-                   (KnightAttacks[info.King] & Pieces(kKnight)) | (PawnAttacks[Us][info.King] & Pieces(kPawn)) |
-                   (KingAttacks[info.King] & Pieces(kKing))) &
-                  Position.BySide[them];
+                   (kKnightAttacks[info.King] & Pieces(kKnight)) | (kPawnAttacks[Us][info.King] & Pieces(kPawn)) |
+                   (kKingAttacks[info.King] & Pieces(kKing))) &
+                  Board.BySide[them];
   return info;
 }
 
-// Where pieces other than the king may go: everywhere without a check; else to capture the checker or interpose, and
-// nowhere in double check. En passant is apart: EnPassantCapturers tests each capture.
+// Where pieces other than the king may go: anywhere if there is no check, nowhere in double check, else to squares that
+// capture the checker or block it. En passant is not included: EnPassantCapturers tests each capture.
 inline Bitboard EvasionTargets(const CheckInfo &info) {
   if (info.Checkers == 0)
     return kAllSquares;
   return MoreThanOne(info.Checkers) ? 0 : info.Checkers | Between[info.King][Lsb(info.Checkers)];
 }
 
-// The own pieces that may move only along the line with their king.
+// The own pieces that may only move along the line with their king.
 template <Side Us> inline Bitboard PinnedPieces(const CheckInfo &info) {
   constexpr Side them = Opposite(Us);
-  return LoneBlockers(info.King, Position.BySide[Us], info.RookReach, info.BishopReach, Pieces(them, kRook, kQueen),
+  return LoneBlockers(info.King, Board.BySide[Us], info.RookReach, info.BishopReach, Pieces(them, kRook, kQueen),
                       Pieces(them, kBishop, kQueen));
 }
 
-// The squares that a piece may move to as far as pins go: its pin line when it is pinned, else all.
+// Where pins let a piece move: along its pin line if it is pinned, else anywhere.
 inline Bitboard PinLine(const CheckInfo &info, Bitboard pinned, int from) {
   return Contains(pinned, from) ? LineThrough[info.King][from] : kAllSquares;
 }
 
-// The king's legal steps to the squares wanted, without castling.
+// The king's legal steps to the wanted squares, without castling.
 template <Side Us> inline Bitboard KingSteps(int king, Bitboard wanted) {
   constexpr Side them = Opposite(Us);
-  wanted &= KingAttacks[king];
+  wanted &= kKingAttacks[king];
   if (wanted == 0)
     return 0;
-  // First remove, in bulk, own squares and those that enemy pawns and king attack. Then test the rest one by one,
+  // First remove own squares and those attacked by enemy pawns and king, all at once. Then test the rest one by one,
   // without a branch that could be mispredicted.
   const Bitboard guarded =
-      PawnCaptures<them>(Pieces(them, kPawn)) | KingAttacks[FindKingSquare(them)] | Position.BySide[Us] | Pieces(kKing);
-  const Bitboard occupied = Occupied() & ~Bit(king); // the king must not shield squares behind it
+      PawnCaptures<them>(Pieces(them, kPawn)) | kKingAttacks[FindKingSquare(them)] | Board.BySide[Us] | Pieces(kKing);
+  const Bitboard occupied = Occupied() & ~Bit(king); // the king must not shield the squares beyond it
   const Bitboard knights = Pieces(them, kKnight);
   const Bitboard straight = Pieces(them, kRook, kQueen);
   const Bitboard diagonal = Pieces(them, kBishop, kQueen);
   Bitboard steps = 0;
   for (Bitboard candidates = wanted & ~guarded; candidates != 0;) {
     const int square = PopLsb(candidates);
-    const Bitboard attackers = (KnightAttacks[square] & knights) | (RookAttacks(square, occupied) & straight) |
+    const Bitboard attackers = (kKnightAttacks[square] & knights) | (RookAttacks(square, occupied) & straight) |
                                (BishopAttacks(square, occupied) & diagonal);
     steps |= static_cast<Bitboard>(attackers == 0) << square;
   }
   return steps;
 }
 
-// True when the king of Us may castle with the rook of a corner, given that it has not moved and is not in check.
-// between has to be empty; the king crosses passed, which its legal steps tell to be safe, and lands on target.
+// True if the king of Us may castle with the rook in the corner, given that it has not moved and is not in check.
+// between must be empty; the king crosses passed, which is safe if it is among its legal steps, and lands on target.
 template <Side Us> inline bool MayCastleWith(int corner, Bitboard between, int passed, int target, Bitboard steps) {
   return (Occupied() & between) == 0 && Contains(steps, passed) &&
-         (Position.MovedFlags & RookCornerFlag(Us, corner)) == 0 && PieceOn(corner) == MakePiece(Us, kRook) &&
+         (Board.MovedFlags & RookCornerFlag(Us, corner)) == 0 && PieceOn(corner) == MakePiece(Us, kRook) &&
          !IsSquareAttacked(target, Opposite(Us));
 }
 
@@ -102,7 +101,7 @@ template <Side Us> inline bool MayCastleWith(int corner, Bitboard between, int p
 template <Side Us> inline Bitboard CastlingTargets(const CheckInfo &info, Bitboard steps) {
   constexpr int home = Us == kWhite ? MakeSquare(4, 7) : MakeSquare(4, 0);
   constexpr unsigned kingMoved = Us == kWhite ? kWhiteKingMoved : kBlackKingMoved;
-  if ((Position.MovedFlags & kingMoved) != 0 || info.King != home || info.Checkers != 0)
+  if ((Board.MovedFlags & kingMoved) != 0 || info.King != home || info.Checkers != 0)
     return 0;
   constexpr Bitboard kingSide = Bit(home + 1) | Bit(home + 2);
   constexpr Bitboard queenSide = Bit(home - 1) | Bit(home - 2) | Bit(home - 3);
@@ -110,9 +109,9 @@ template <Side Us> inline Bitboard CastlingTargets(const CheckInfo &info, Bitboa
          (MayCastleWith<Us>(home - 4, queenSide, home - 1, home - 2, steps) ? Bit(home - 2) : 0);
 }
 
-// The own pawns that can legally take en passant; tested one by one, as both pawns leave the row of the king.
+// The own pawns that can legally capture en passant. Tested one by one, since two pawns leave the row at once.
 template <Side Us> inline Bitboard EnPassantCapturers() {
-  const int target = Position.EnPassantSquare;
+  const int target = Board.EnPassantSquare;
   Bitboard capturers = 0;
   for (Bitboard pawns = EnPassantCandidates(Us); pawns != 0;) {
     const int from = PopLsb(pawns);
@@ -128,26 +127,26 @@ struct MoveSets {
   Array<Bitboard, kSquares> Targets;
 };
 
-// Sets the moves of a from-square that is not in Froms; with no targets it stays out.
+// Sets the moves of a from-square that is not in Froms; without targets it stays out.
 inline void SetTargets(MoveSets &moves, int from, Bitboard targets) {
   moves.Targets[from] = targets;
   moves.Froms |= static_cast<Bitboard>(targets != 0) << from;
 }
 
-// Adds moves of a from-square that may be in Froms.
+// Adds moves of a from-square that may already be in Froms.
 inline void AddTargets(MoveSets &moves, int from, Bitboard targets) {
   const Bitboard known = Contains(moves.Froms, from) ? moves.Targets[from] : 0;
   SetTargets(moves, from, known | targets);
 }
 
-// Keeps, of the moves of a square in Froms, those to the squares given.
+// Keeps only the moves to the given squares, for a from-square in Froms.
 inline void RestrictTargets(MoveSets &moves, int from, Bitboard squares) {
   Bitboard &targets = moves.Targets[from];
   targets &= squares;
   moves.Froms ^= static_cast<Bitboard>(targets == 0) << from;
 }
 
-// The to-squares that are wanted, by type of piece.
+// The wanted to-squares by type of piece.
 struct PieceSquares {
   Bitboard Rook;
   Bitboard Knight;
@@ -157,8 +156,8 @@ struct PieceSquares {
 
 inline PieceSquares SameForAll(Bitboard squares) { return {squares, squares, squares, squares}; }
 
-// Restricts pinned pieces to their pin lines. When no mover is seen from its king, as is usual for lists of captures,
-// the pins need not be found.
+// Restricts pinned pieces to their pin lines. If the king sees none of the movers, which is usual for captures, pins
+// need not be found.
 template <Side Us> inline void RestrictPinned(MoveSets &moves, const CheckInfo &info) {
   if ((moves.Froms & (info.RookReach | info.BishopReach)) == 0)
     return;
@@ -168,7 +167,7 @@ template <Side Us> inline void RestrictPinned(MoveSets &moves, const CheckInfo &
   }
 }
 
-// Adds the moves of rooks, knights, bishops and queens to the squares given, pins not considered.
+// Adds the moves of rooks, knights, bishops and queens to the given squares, regardless of pins.
 template <Side Us> inline void GeneratePieceMoves(MoveSets &moves, const PieceSquares &squares) {
   const Bitboard occupied = Occupied();
   for (Bitboard rooks = Pieces(Us, kRook); rooks != 0;) {
@@ -177,7 +176,7 @@ template <Side Us> inline void GeneratePieceMoves(MoveSets &moves, const PieceSq
   }
   for (Bitboard knights = Pieces(Us, kKnight); knights != 0;) {
     const int from = PopLsb(knights);
-    SetTargets(moves, from, KnightAttacks[from] & squares.Knight);
+    SetTargets(moves, from, kKnightAttacks[from] & squares.Knight);
   }
   for (Bitboard bishops = Pieces(Us, kBishop); bishops != 0;) {
     const int from = PopLsb(bishops);
@@ -189,8 +188,8 @@ template <Side Us> inline void GeneratePieceMoves(MoveSets &moves, const PieceSq
   }
 }
 
-// Adds the moves of pawns: captures among the enemies given and pushes to the squares given, pins and en passant not
-// considered.
+// Adds the moves of pawns: captures of the given enemies and pushes to the given squares, regardless of pins and
+// without en passant.
 template <Side Us> inline void GeneratePawnMoves(MoveSets &moves, Bitboard enemies, Bitboard pushSquares) {
   const Bitboard pawns = Pieces(Us, kPawn);
   const Bitboard single = SinglePushes<Us>(pawns);
@@ -202,7 +201,7 @@ template <Side Us> inline void GeneratePawnMoves(MoveSets &moves, Bitboard enemi
     const int from = PopLsb(movers);
     const Bitboard step = ShiftForward<Us>(Bit(from)) & single;
     const Bitboard pushes = (step & pushSquares) | (ShiftForward<Us>(step) & twice);
-    SetTargets(moves, from, (PawnAttacks[Us][from] & enemies) | pushes);
+    SetTargets(moves, from, (kPawnAttacks[Us][from] & enemies) | pushes);
   }
 }
 
@@ -214,17 +213,17 @@ template <Side Us> inline void GenerateLegalMoves(MoveSets &moves, const CheckIn
   const Bitboard evasions = EvasionTargets(info);
   if (evasions == 0)
     return;
-  const Bitboard allowed = evasions & ~Position.BySide[Us] & ~Pieces(kKing);
+  const Bitboard allowed = evasions & ~Board.BySide[Us] & ~Pieces(kKing);
   GeneratePieceMoves<Us>(moves, SameForAll(allowed));
-  GeneratePawnMoves<Us>(moves, allowed & Position.BySide[Opposite(Us)], allowed);
+  GeneratePawnMoves<Us>(moves, allowed & Board.BySide[Opposite(Us)], allowed);
   RestrictPinned<Us>(moves, info);
   for (Bitboard pawns = EnPassantCapturers<Us>(); pawns != 0;)
     AddTargets(moves, PopLsb(pawns), EnPassantSet());
 }
 
-// True when Us has a legal move.
-template <Side Us> inline bool HasLegalMoveOf(const CheckInfo &info) {
-  // Nearly always a pawn push answers this: a pawn that is not seen from its king cannot be pinned.
+// True if Us has a legal move.
+template <Side Us> inline bool HasLegalMove(const CheckInfo &info) {
+  // Nearly always a pawn push settles it: a pawn that its king does not see cannot be pinned.
   const Bitboard unseen = Pieces(Us, kPawn) & ~(info.RookReach | info.BishopReach);
   if (info.Checkers == 0 && SinglePushes<Us>(unseen) != 0)
     return true;
@@ -233,11 +232,11 @@ template <Side Us> inline bool HasLegalMoveOf(const CheckInfo &info) {
   return moves.Froms != 0;
 }
 
-// For callers off the hot path, which know the side at run time.
+// For callers off the hot path, which know the side only at run time.
 void GenerateLegalMoves(MoveSets &moves, Side side);
 bool HasLegalMove(Side side);
 
-// The number of moves in the sets, each promotion counted as one.
+// The number of moves in the sets; each promotion counts once.
 int CountMoves(const MoveSets &moves);
 
 } // namespace zorvane

@@ -1,9 +1,9 @@
-// Magic numbers for sliders: the occupied squares of a mask, times the square's magic number, have an index in their
-// top bits, as many as the mask has squares. Occupancies that share an index have the same attacks. They were found by
-// random search; any that hold give the same engine. With PEXT they are not used.
+// Magic numbers for sliders: the occupied squares of a mask, multiplied by the square's magic number, have an index in
+// the top bits, as many as the mask has squares. Occupancies that share an index have the same attacks. Found by random
+// search; any others with this property give the same engine. Not used with PEXT.
 #pragma once
 
-#include "board/array.h"
+#include "base/array.h"
 #include "board/types.h"
 
 namespace zorvane {

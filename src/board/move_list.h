@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "board/array.h"
+#include "base/array.h"
 #include "board/types.h"
 
 namespace zorvane {
@@ -13,8 +13,8 @@ struct ScoredMove {
   PackedMove Move;
 };
 
-// A full list keeps what it holds and takes no further move. No position of a game comes near the capacities, but
-// placements with forty queens can be loaded, and which of their moves are dropped is part of the engine's answers.
+// A full list takes no further moves. No position of a game comes near the capacities, but placements with forty queens
+// can be loaded, and which of their moves are dropped affects the engine's answers.
 template <int Capacity> struct MoveList {
   int Count;
   Array<ScoredMove, Capacity> Moves;
@@ -25,7 +25,7 @@ template <int Capacity> inline void Append(MoveList<Capacity> &list, ScoredMove 
     list.Moves[list.Count++] = move;
 }
 
-// Puts the move below all with an equal or greater score, so that equals keep the order in which they came.
+// Inserts the move after all with an equal or higher score, so that equals keep the order in which they came.
 template <int Capacity> inline void InsertSorted(MoveList<Capacity> &list, ScoredMove move) {
   if (list.Count == Capacity)
     return;

@@ -1,6 +1,5 @@
 #include "board/move_text.h"
 
-#include <array>
 #include <cassert>
 #include <cstring>
 
@@ -12,16 +11,16 @@ namespace zorvane {
 
 namespace {
 
-bool Promotes(Piece piece, int to) { return TypeOf(piece) == kPawn && Contains(kLastRows, to); }
+bool Promotes(Piece piece, int to) { return TypeOf(piece) == kPawn && Contains(kPromotionRows, to); }
 
-// Reads a file letter and a rank digit; kNoSquare when they are something else.
+// Reads a file letter and a rank digit; kNoSquare for anything else.
 int ReadSquare(const char *text) {
   if (text[0] < 'a' || text[0] > 'h' || text[1] < '1' || text[1] > '8')
     return kNoSquare;
   return MakeSquare(text[0] - 'a', '8' - text[1]);
 }
 
-// The piece that a small letter promotes to, kNoType when there is none.
+// The piece that a lower-case letter promotes to, kNoType for any other letter.
 PieceType PromotionType(char letter) {
   switch (letter) {
   case 'r':
@@ -80,20 +79,17 @@ bool ApplyMoveList(char *moves) {
   return true;
 }
 
-void MoveText(BoundedString &out, Piece piece, int from, int to) {
+MoveChars MoveText(Piece piece, int from, int to) {
   const auto letter = [](int square) { return static_cast<char>('a' + FileOf(square)); };
   const auto digit = [](int square) { return static_cast<char>('8' - RowOf(square)); };
   const char suffix = Promotes(piece, to) ? 'q' : '\0';
-  const std::array<char, 6> text{letter(from), digit(from), letter(to), digit(to), suffix, '\0'};
-  BoundedStringFromText(out, text.data());
+  return {letter(from), digit(from), letter(to), digit(to), suffix, '\0'};
 }
 
-void MoveIdTextForPiece(BoundedString &out, Piece piece, int from, int to) {
+MoveChars HintDigits(Piece piece, int from, int to) {
   const auto digit = [](int number) { return static_cast<char>('0' + number); };
   const int promotion = Promotes(piece, to) ? static_cast<int>(kQueen) : 0;
-  const std::array<char, 6> text{digit(FileOf(from)), digit(RowOf(from)), digit(FileOf(to)),
-                                 digit(RowOf(to)),    digit(promotion),   '\0'};
-  BoundedStringFromText(out, text.data());
+  return {digit(FileOf(from)), digit(RowOf(from)), digit(FileOf(to)), digit(RowOf(to)), digit(promotion), '\0'};
 }
 
 } // namespace zorvane

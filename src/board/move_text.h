@@ -1,24 +1,28 @@
-// Moves as text, and ApplyUciMove, the only way in which a move of the game is made; a search uses MakeMove.
+// Moves as text, and ApplyUciMove, the only way to make a move of the game; a search uses MakeMove.
 #pragma once
 
-#include "board/bounded_string.h"
+#include <array>
+
 #include "board/types.h"
 
 namespace zorvane {
 
-// Plays the move that text names in coordinate notation, such as "e2e4" or "e7e8n", on the game's position: the side
-// to move, GamePly and the game history follow. False, with nothing changed, when the text is no legal move.
+// Plays a move in coordinate notation, such as "e2e4" or "e7e8n", in the game: side to move, GamePly and game history
+// are updated. False, with nothing changed, if the text is not a legal move.
 bool ApplyUciMove(const char *text);
 
-// Plays moves separated by blanks. False at the first that is refused: those before it stay played. Writes terminators
-// over the blanks.
+// Plays moves separated by blanks. False at the first that is not legal; those before it stay played. Overwrites the
+// blanks with terminators.
 bool ApplyMoveList(char *moves);
 
-// Coordinate notation of the move of a piece; "q" follows for a pawn that reaches the last row.
-void MoveText(BoundedString &out, Piece piece, int from, int to);
+// A move of at most five characters as a zero-terminated text.
+using MoveChars = std::array<char, 6>;
 
-// The move as digits: from file, from row, to file, to row with row 0 the eighth rank, and 5 for a pawn that reaches
-// the last row, else 0.
-void MoveIdTextForPiece(BoundedString &out, Piece piece, int from, int to);
+// The move of a piece in coordinate notation, followed by "q" if a pawn reaches the last row.
+MoveChars MoveText(Piece piece, int from, int to);
+
+// The move as digits: from file, from row, to file, to row (row 0 is the eighth rank), and 5 if a pawn reaches the last
+// row, else 0.
+MoveChars HintDigits(Piece piece, int from, int to);
 
 } // namespace zorvane

@@ -2,7 +2,7 @@
 
 #include <cassert>
 
-#include "board/array.h"
+#include "base/array.h"
 #include "board/legal_moves.h"
 
 namespace zorvane {
@@ -11,18 +11,20 @@ namespace {
 
 constexpr Array<PieceType, 4> kPromotions{kRook, kKnight, kBishop, kQueen};
 
-int CountWithPromotions(Bitboard pawnTargets) { return PopCount(pawnTargets) + 3 * PopCount(pawnTargets & kLastRows); }
+int CountWithPromotions(Bitboard pawnTargets) {
+  return PopCount(pawnTargets) + 3 * PopCount(pawnTargets & kPromotionRows);
+}
 
-// The moves of the pawns given, which are all free or all held to one line.
+// Counts the moves of pawns that are either all free or all pinned to the same line.
 template <Side Us> int CountPawnMoves(Bitboard pawns, Bitboard allowed) {
   const Bitboard single = SinglePushes<Us>(pawns);
-  const Bitboard captures = allowed & Position.BySide[Opposite(Us)] & ~Pieces(kKing);
+  const Bitboard captures = allowed & Board.BySide[Opposite(Us)] & ~Pieces(kKing);
   return CountWithPromotions(single & allowed) + PopCount(DoublePushes<Us>(single) & allowed) +
          CountWithPromotions(ShiftWest(ShiftForward<Us>(pawns)) & captures) +
          CountWithPromotions(ShiftEast(ShiftForward<Us>(pawns)) & captures);
 }
 
-// Counts the legal moves without listing them.
+// Counts the legal moves without generating them.
 template <Side Us> int CountLeaves() {
   const CheckInfo info = FindCheckInfo<Us>();
   const Bitboard steps = KingSteps<Us>(info.King, kAllSquares);
@@ -33,11 +35,11 @@ template <Side Us> int CountLeaves() {
   count += PopCount(CastlingTargets<Us>(info, steps)) + PopCount(EnPassantCapturers<Us>());
 
   const Bitboard held = PinnedPieces<Us>(info);
-  const Bitboard allowed = resolving & ~Position.BySide[Us] & ~Pieces(kKing);
+  const Bitboard allowed = resolving & ~Board.BySide[Us] & ~Pieces(kKing);
   const Bitboard occupied = Occupied();
   Bitboard knights = Pieces(Us, kKnight) & ~held;
   while (knights != 0)
-    count += PopCount(KnightAttacks[PopLsb(knights)] & allowed);
+    count += PopCount(kKnightAttacks[PopLsb(knights)] & allowed);
   Bitboard diagonal = Pieces(Us, kBishop, kQueen);
   while (diagonal != 0) {
     const int from = PopLsb(diagonal);
@@ -59,13 +61,13 @@ template <Side Us> int CountLeaves() {
   return count;
 }
 
-template <Side Us> std::uint64_t PerftOf(int depth) {
+template <Side Us> std::uint64_t Perft(int depth) {
   constexpr Side them = Opposite(Us);
   assert(depth >= 1 && PositionIsOk());
   if (depth == 1)
     return static_cast<std::uint64_t>(CountLeaves<Us>());
   const CheckInfo info = FindCheckInfo<Us>();
-  const BoardState saved = Position;
+  const BoardState saved = Board;
   std::uint64_t leaves = 0;
   MoveSets moves;
   GenerateLegalMoves<Us>(moves, info);
@@ -75,17 +77,17 @@ template <Side Us> std::uint64_t PerftOf(int depth) {
     Bitboard targets = moves.Targets[from];
     while (targets != 0) {
       const int to = PopLsb(targets);
-      MakeMoveOf<Us>(from, to);
-      if (isPawn && Contains(kLastRows, to)) {
+      MakeMove<Us>(from, to);
+      if (isPawn && Contains(kPromotionRows, to)) {
         for (const PieceType promotion : kPromotions) {
           RemovePiece(to);
           PutPiece(to, MakePiece(Us, promotion));
-          leaves += PerftOf<them>(depth - 1);
+          leaves += Perft<them>(depth - 1);
         }
       } else {
-        leaves += PerftOf<them>(depth - 1);
+        leaves += Perft<them>(depth - 1);
       }
-      SetPosition(saved);
+      RestoreState(saved);
     }
   }
   return leaves;
@@ -96,7 +98,7 @@ template <Side Us> std::uint64_t PerftOf(int depth) {
 std::uint64_t Perft(int depth) {
   if (depth == 0)
     return 1;
-  return SideToMove == kWhite ? PerftOf<kWhite>(depth) : PerftOf<kBlack>(depth);
+  return SideToMove == kWhite ? Perft<kWhite>(depth) : Perft<kBlack>(depth);
 }
 
 } // namespace zorvane

@@ -1,12 +1,12 @@
-// The count of the legal move tree.
+// Counting the legal move tree.
 #pragma once
 
 #include <cstdint>
 
 namespace zorvane {
 
-// The leaves of the legal move tree of that depth, 0 or more, for SideToMove; each promotion counts four times. The
-// position is unchanged afterwards.
+// The number of leaves of the legal move tree to a depth, 0 or more, with SideToMove to move. Each promotion counts as
+// four moves. The position is unchanged.
 std::uint64_t Perft(int depth);
 
 } // namespace zorvane

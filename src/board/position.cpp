@@ -2,11 +2,11 @@
 
 #include <cassert>
 
-#include "board/array.h"
+#include "base/array.h"
 
 namespace zorvane {
 
-BoardState Position;
+BoardState Board;
 Side SideToMove;
 std::int64_t GamePly;
 Array<BoardState, kUndoSlots> UndoStack;
@@ -24,38 +24,38 @@ bool PositionIsOk() {
     sum.Scores += kSquareTerms[piece][square].Scores;
   }
   for (const Side side : kSides)
-    if (Position.BySide[side] != expected.BySide[side] || PopCount(Pieces(side, kKing)) != 1)
+    if (Board.BySide[side] != expected.BySide[side] || PopCount(Pieces(side, kKing)) != 1)
       return false;
   for (int type = kPawn; type <= kKing; ++type)
-    if (Position.ByType[type - 1] != expected.ByType[type - 1])
+    if (Board.ByType[type - 1] != expected.ByType[type - 1])
       return false;
-  return Position.Sum.Hash == sum.Hash && Position.Sum.Scores == sum.Scores && Position.HalfmoveClock >= 0 &&
-         Position.EnPassantSquare <= kNoSquare;
+  return Board.Sum.Hash == sum.Hash && Board.Sum.Scores == sum.Scores && Board.HalfmoveClock >= 0 &&
+         Board.EnPassantSquare <= kNoSquare;
 }
 
 void PutPiece(int square, Piece piece) {
   assert(piece != kNoPiece && PieceOn(square) == kNoPiece);
   const SquareTerm &term = kSquareTerms[piece][square];
-  Position.BySide[SideOf(piece)] |= Bit(square);
-  Position.ByType[TypeOf(piece) - 1] |= Bit(square);
-  Position.Board[square] = piece;
-  Position.Sum.Hash += term.Hash;
-  Position.Sum.Scores += term.Scores;
+  Board.BySide[SideOf(piece)] |= Bit(square);
+  Board.ByType[TypeOf(piece) - 1] |= Bit(square);
+  Board.Squares[square] = piece;
+  Board.Sum.Hash += term.Hash;
+  Board.Sum.Scores += term.Scores;
 }
 
 void RemovePiece(int square) {
   const Piece piece = PieceOn(square);
   assert(piece != kNoPiece);
   const SquareTerm &term = kSquareTerms[piece][square];
-  Position.BySide[SideOf(piece)] &= ~Bit(square);
-  Position.ByType[TypeOf(piece) - 1] &= ~Bit(square);
-  Position.Board[square] = kNoPiece;
-  Position.Sum.Hash -= term.Hash;
-  Position.Sum.Scores -= term.Scores;
+  Board.BySide[SideOf(piece)] &= ~Bit(square);
+  Board.ByType[TypeOf(piece) - 1] &= ~Bit(square);
+  Board.Squares[square] = kNoPiece;
+  Board.Sum.Hash -= term.Hash;
+  Board.Sum.Scores -= term.Scores;
 }
 
 void StartGame(const BoardState &state, Side side, std::int64_t ply) {
-  Position = state;
+  Board = state;
   SideToMove = side;
   GamePly = ply;
 }

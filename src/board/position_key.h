@@ -1,12 +1,15 @@
 // What makes two positions the same, and the positions of the game so far.
+//
+// Keys are exact. A hash such as Zobrist's would be smaller, but two positions with the same hash would change the
+// tree, and comparing five words costs little.
 #pragma once
 
-#include "board/array.h"
+#include "base/array.h"
 #include "board/position.h"
 
 namespace zorvane {
 
-// The whole identity of a position, exact. Two positions are the same when all five words are equal.
+// The whole identity of a position. Two positions are the same if all five words are equal.
 struct PositionKey {
   Array<Bitboard, 4> Squares; // three bits of type and one of colour for each square
   std::uint32_t Rest;         // side to move, moved flags, en-passant square
@@ -17,7 +20,7 @@ struct PositionKey {
   }
 };
 
-// The key of a state, with kNoSquare where its en-passant square shall not make a difference.
+// The key of a state; en passant is kNoSquare if its square should not make a difference.
 inline PositionKey MakePositionKey(const BoardState &state, Side side, int enPassantSquare) {
   const auto of = [&state](PieceType type) { return state.ByType[type - 1]; };
   return {{of(kPawn) | of(kKnight) | of(kQueen), of(kRook) | of(kKnight) | of(kKing),
@@ -26,31 +29,31 @@ inline PositionKey MakePositionKey(const BoardState &state, Side side, int enPas
               static_cast<std::uint32_t>(enPassantSquare) << 8};
 }
 
-// The key of the current position with side to move. The en-passant square counts only when a pawn of that side
-// can really capture there, so a double step that nothing can take leaves no trace.
+// The key of the current position with side to move. The en-passant square counts only if a pawn of that side can
+// really capture there, so a double step that nothing can capture leaves no trace.
 PositionKey BuildPositionKey(Side side);
 
-constexpr int kGameHistoryLimit = 1001; // the initial position and a thousand moves
+constexpr int kGameHistoryLimit = 1001; // the first position and a thousand moves
 
-// How many positions of the game are known, 1 to kGameHistoryLimit from the first LoadFen on.
-extern int GameHistoryCount;
+// The number of known positions of the game: 1 to kGameHistoryLimit, after the first LoadFen.
+int GameHistoryCount();
 
-// Makes the current position the only one of the game. The last step of every LoadFen.
+// Forgets the game and begins a new one with the current position. The last step of every LoadFen.
 void StartGameHistory();
 
-// Adds the current position. A full history takes no more: repetitions of later positions go unseen.
+// Adds the current position. A full history takes no more, so repetitions of later positions are not noticed.
 void PushGameHistory();
 
-// A position recurs after four half-moves at the soonest, and only while nothing is captured and no pawn moves.
+// A position recurs after at least four half-moves, and only if nothing is captured and no pawn moves.
 constexpr int kShortestCycle = 4;
 
-// How often the current position, with side to move, occurred before: in the game, and on the search line at plies 1 to
-// ply - 1, which UndoStack holds.
+// How often the current position, with side to move, has occurred before: in the game, and at plies 1 to ply - 1 of the
+// search line, from UndoStack.
 int CountEqualPositions(Side side, int ply);
 
-// The same, but it may answer 0 where the halfmove clock rules out atLeast occurrences.
+// The same, but may return 0 if the halfmove clock rules out that many occurrences.
 inline int CountRepetitions(Side side, int ply, int atLeast) {
-  return Position.HalfmoveClock < atLeast * kShortestCycle ? 0 : CountEqualPositions(side, ply);
+  return Board.HalfmoveClock < atLeast * kShortestCycle ? 0 : CountEqualPositions(side, ply);
 }
 
 } // namespace zorvane

@@ -16,14 +16,14 @@ bool IsPseudoLegalPawnMove(int from, int to) {
   const Side us = SideOf(PieceOn(from));
   if (FileOf(from) == FileOf(to))
     return Contains(us == kWhite ? PushTargets<kWhite>(from) : PushTargets<kBlack>(from), to);
-  if (!Contains(PawnAttacks[us][from], to))
+  if (!Contains(kPawnAttacks[us][from], to))
     return false;
   if (PieceOn(to) != kNoPiece)
     return true;
-  return to == Position.EnPassantSquare && PieceOn(EnPassantVictim(from, to)) == MakePiece(Opposite(us), kPawn);
+  return to == Board.EnPassantSquare && PieceOn(EnPassantVictim(from, to)) == MakePiece(Opposite(us), kPawn);
 }
 
-// The occupied squares after a move, castling's rook included. removed is what the move takes.
+// The occupied squares after a move, with castling's rook in its new place. removed is what the move captures.
 Bitboard OccupiedAfter(int from, int to, Bitboard removed) {
   Bitboard occupied = (Occupied() & ~Bit(from) & ~removed) | Bit(to);
   if (TypeOf(PieceOn(from)) == kKing && Absolute(to - from) == kCastlingStep)
@@ -37,32 +37,30 @@ Bitboard PieceAttacks(int from) {
   const Piece piece = PieceOn(from);
   switch (TypeOf(piece)) {
   case kPawn:
-    return PawnAttacks[SideOf(piece)][from];
+    return kPawnAttacks[SideOf(piece)][from];
   case kRook:
     return RookAttacks(from, Occupied());
   case kKnight:
-    return KnightAttacks[from];
+    return kKnightAttacks[from];
   case kBishop:
     return BishopAttacks(from, Occupied());
   case kQueen:
     return QueenAttacks(from, Occupied());
   case kKing:
-    return KingAttacks[from];
+    return kKingAttacks[from];
   default:
     return 0;
   }
 }
 
 Bitboard AttackersTo(int square, Bitboard occupied) {
-  return (PawnAttacks[kBlack][square] & Pieces(kWhite, kPawn)) | (PawnAttacks[kWhite][square] & Pieces(kBlack, kPawn)) |
-         (KnightAttacks[square] & Pieces(kKnight)) | (KingAttacks[square] & Pieces(kKing)) |
-         (RookAttacks(square, occupied) & Pieces(kRook, kQueen)) |
+  return (kPawnAttacks[kBlack][square] & Pieces(kWhite, kPawn)) |
+         (kPawnAttacks[kWhite][square] & Pieces(kBlack, kPawn)) | (kKnightAttacks[square] & Pieces(kKnight)) |
+         (kKingAttacks[square] & Pieces(kKing)) | (RookAttacks(square, occupied) & Pieces(kRook, kQueen)) |
          (BishopAttacks(square, occupied) & Pieces(kBishop, kQueen));
 }
 
-bool IsSquareAttacked(int square, Side bySide) {
-  return (AttackersTo(square, Occupied()) & Position.BySide[bySide]) != 0;
-}
+bool IsSquareAttacked(int square, Side bySide) { return (AttackersTo(square, Occupied()) & Board.BySide[bySide]) != 0; }
 
 bool IsInCheck(Side side) { return IsSquareAttacked(FindKingSquare(side), Opposite(side)); }
 
@@ -75,7 +73,7 @@ bool CanCastle(int from, int to) {
   const bool kingSide = to > from;
   const int corner = kingSide ? home + 3 : home - 4;
   const unsigned lost = (us == kWhite ? kWhiteKingMoved : kBlackKingMoved) | RookCornerFlag(us, corner);
-  if ((Position.MovedFlags & lost) != 0 || PieceOn(corner) != MakePiece(us, kRook))
+  if ((Board.MovedFlags & lost) != 0 || PieceOn(corner) != MakePiece(us, kRook))
     return false;
   const Bitboard between = kingSide ? Bit(home + 1) | Bit(home + 2) : Bit(home - 1) | Bit(home - 2) | Bit(home - 3);
   return (Occupied() & between) == 0 && !IsSquareAttacked(home, them) && !IsSquareAttacked((home + to) / 2, them) &&
@@ -101,14 +99,14 @@ bool IsLegalMove(int from, int to) {
   const Bitboard removed = IsEnPassantMove(from, to) ? Bit(EnPassantVictim(from, to)) : Bit(to);
   const int king = TypeOf(PieceOn(from)) == kKing ? to : FindKingSquare(us);
   const Bitboard attackers = AttackersTo(king, OccupiedAfter(from, to, removed));
-  return (attackers & Position.BySide[Opposite(us)] & ~removed) == 0;
+  return (attackers & Board.BySide[Opposite(us)] & ~removed) == 0;
 }
 
 void MakeMove(int from, int to) {
   if (SideOf(PieceOn(from)) == kWhite)
-    MakeMoveOf<kWhite>(from, to);
+    MakeMove<kWhite>(from, to);
   else
-    MakeMoveOf<kBlack>(from, to);
+    MakeMove<kBlack>(from, to);
 }
 
 template <Side Us> void FinishSpecialMove(PieceType type, int from, int to) {
@@ -116,8 +114,8 @@ template <Side Us> void FinishSpecialMove(PieceType type, int from, int to) {
     RemovePiece(to > from ? from + 3 : from - 4);
     PutPiece((from + to) / 2, MakePiece(Us, kRook));
   } else if (Absolute(to - from) == kDoubleStep) {
-    Position.EnPassantSquare = static_cast<std::uint8_t>((from + to) / 2);
-  } else if (Contains(kLastRows, to)) {
+    Board.EnPassantSquare = static_cast<std::uint8_t>((from + to) / 2);
+  } else if (Contains(kPromotionRows, to)) {
     RemovePiece(to);
     PutPiece(to, MakePiece(Us, kQueen));
   } else if (FileOf(from) != FileOf(to)) {
@@ -128,12 +126,12 @@ template <Side Us> void FinishSpecialMove(PieceType type, int from, int to) {
 template void FinishSpecialMove<kWhite>(PieceType type, int from, int to);
 template void FinishSpecialMove<kBlack>(PieceType type, int from, int to);
 
-bool MoveGivesCheck(int ply, int from, int to) {
+bool MoveGivesCheck(int from, int to) {
   const Side them = Opposite(SideOf(PieceOn(from)));
-  SaveState(ply);
+  const BoardState saved = Board;
   MakeMove(from, to);
   const bool check = IsInCheck(them);
-  RestoreState(ply);
+  RestoreState(saved);
   return check;
 }
 

@@ -1,75 +1,74 @@
 // The rules of chess on the one position: attacks, legality, making a move.
 //
-// The tests here answer for any position that LoadFen accepts and for either colour, whoever is to move: the
-// mover's colour is that of the piece on the from-square. The search's own move lists come from legal_moves.h.
+// The tests here are correct for any position that LoadFen accepts and for either colour, whoever is to move: the
+// mover's colour is that of the piece on the from-square. The search generates its moves with legal_moves.h.
 #pragma once
 
 #include <cassert>
 
-#include "board/array.h"
+#include "base/array.h"
 #include "board/position.h"
 
 namespace zorvane {
 
-// The squares that the piece on from attacks, whatever stands there; pins and whose turn it is do not matter. A pawn
-// attacks its two capture squares.
+// The squares that the piece on from attacks, occupied or not, regardless of pins and whose turn it is. A pawn attacks
+// its two capture squares.
 Bitboard PieceAttacks(int from);
 
-// All pieces of either side that attack the square, with sliders blocked by the occupied squares given.
+// All pieces of either side that attack the square; sliders are blocked by the given occupied squares.
 Bitboard AttackersTo(int square, Bitboard occupied);
 
-// True when a piece of bySide attacks the square. A piece attacks the first occupied square of a ray, of either
-// colour, and none behind it.
+// True if a piece of bySide attacks the square. A slider attacks the first occupied square of each ray, whatever its
+// colour, and none beyond it.
 bool IsSquareAttacked(int square, Side bySide);
 
 // The square of the king of a side.
 inline int FindKingSquare(Side side) { return Lsb(Pieces(side, kKing)); }
 
-// True when the king of side is attacked by the other side.
+// True if the king of side is attacked.
 bool IsInCheck(Side side);
 
-// True when the move obeys the rules of its piece, castling and en passant included; whether the own king is safe
-// afterwards is not asked. A king is never captured.
+// True if the move obeys the rules of its piece, castling and en passant included, whether or not the own king is safe
+// afterwards. A king is never captured.
 bool IsPseudoLegalMove(int from, int to);
 
-// True when the king on from may castle to the square to.
+// True if the king on from may castle to the square to.
 bool CanCastle(int from, int to);
 
-// True when the move is pseudo-legal and leaves the mover's king unattacked.
+// True if the move is pseudo-legal and leaves the mover's king unattacked.
 bool IsLegalMove(int from, int to);
 
-// The same for a packed move that may come from another position: its from-square has to hold a piece of side.
-inline bool IsLegalMoveOf(Side side, PackedMove move) {
-  return Contains(Position.BySide[side], FromOf(move)) && IsLegalMove(FromOf(move), ToOf(move));
+// The same for a packed move that may come from another position: its from-square must also hold a piece of side.
+inline bool IsLegalMoveFor(Side side, PackedMove move) {
+  return Contains(Board.BySide[side], FromOf(move)) && IsLegalMove(FromOf(move), ToOf(move));
 }
 
-// True when the pseudo-legal move takes en passant.
+// True if the pseudo-legal move captures en passant.
 inline bool IsEnPassantMove(int from, int to) {
-  return to == Position.EnPassantSquare && TypeOf(PieceOn(from)) == kPawn && PieceOn(to) == kNoPiece &&
+  return to == Board.EnPassantSquare && TypeOf(PieceOn(from)) == kPawn && PieceOn(to) == kNoPiece &&
          Absolute(FileOf(to) - FileOf(from)) == 1;
 }
 
-// The pawns of a side that attack the en-passant square; none when there is no such square. Whether the capture is
-// legal is not asked.
+// The pawns of a side that attack the en-passant square, if there is one; the capture may be illegal.
 inline Bitboard EnPassantCandidates(Side side) {
-  const int target = Position.EnPassantSquare;
-  return target == kNoSquare ? 0 : PawnAttacks[Opposite(side)][target] & Pieces(side, kPawn);
+  const int target = Board.EnPassantSquare;
+  return target == kNoSquare ? 0 : kPawnAttacks[Opposite(side)][target] & Pieces(side, kPawn);
 }
 
-// True when the pseudo-legal move takes something, en passant included.
+// True if the pseudo-legal move captures something, en passant included.
 inline bool IsCaptureMove(int from, int to) {
   const Piece target = PieceOn(to);
   return target != kNoPiece ? SideOf(target) != SideOf(PieceOn(from)) : IsEnPassantMove(from, to);
 }
 
-// Where a set of pawns can be pushed to, one step and two; checks and pins not considered.
+// Where a set of pawns can be pushed, one step and two, regardless of checks and pins.
 template <Side Us> inline Bitboard SinglePushes(Bitboard pawns) { return ShiftForward<Us>(pawns) & ~Occupied(); }
 template <Side Us> inline Bitboard DoublePushes(Bitboard singlePushes) {
   constexpr Bitboard firstStep = Us == kWhite ? RowMask(5) : RowMask(2);
   return ShiftForward<Us>(singlePushes & firstStep) & ~Occupied();
 }
 
-// The moved flag that a rook of side sets by leaving square or by being captured there; 0 for squares other than its
+// The moved flag that is set when a rook of side leaves the square or is captured there; 0 for squares other than its
 // two corners.
 constexpr std::uint8_t RookCornerFlag(Side side, int square) {
   const int corner = side == kWhite ? MakeSquare(0, 7) : MakeSquare(0, 0);
@@ -80,17 +79,18 @@ constexpr std::uint8_t RookCornerFlag(Side side, int square) {
   return 0;
 }
 
-// Plays a legal move; nothing is tested. A pawn that reaches the last row becomes a queen. SideToMove, GamePly and
-// the game history stay as they are.
+// Plays a legal move without testing it. A pawn that reaches the last row becomes a queen. SideToMove, GamePly and the
+// game history stay as they are.
 void MakeMove(int from, int to);
 
-// MakeMove for a caller that knows the mover's side.
-template <Side Us> void MakeMoveOf(int from, int to);
+// MakeMove for callers that know the mover's side at compile time.
+template <Side Us> void MakeMove(int from, int to);
 
-// True when the legal move gives check. Makes it and takes it back; overwrites the UndoStack slot of ply.
-bool MoveGivesCheck(int ply, int from, int to);
+// True if the legal move gives check. Makes it and takes it back.
+bool MoveGivesCheck(int from, int to);
 
-// The moved flags to set when a piece leaves a square or is captured there: a rook's at its corner, a king's anywhere.
+// The moved flags that are set when a piece leaves a square or is captured there: a rook on its corner, a king
+// anywhere.
 using MovedFlagTable = Array<Array<std::uint8_t, kSquares>, kPieceLimit>;
 
 constexpr MovedFlagTable MakeMovedFlagTable() {
@@ -104,19 +104,19 @@ constexpr MovedFlagTable MakeMovedFlagTable() {
   return table;
 }
 
-inline constexpr MovedFlagTable kMovedFlagsBy = MakeMovedFlagTable();
+inline constexpr MovedFlagTable kFlagsLostAt = MakeMovedFlagTable();
 
-// How far apart the squares of a pawn's double step and of a castling king's move are.
+// The distance between the squares of a pawn's double step and of a castling king's move.
 constexpr int kDoubleStep = 16;
 constexpr int kCastlingStep = 2;
 
 // What a double step, en passant, promotion or castling does beyond moving one piece.
 template <Side Us> void FinishSpecialMove(PieceType type, int from, int to);
 
-template <Side Us> inline void MakeMoveOf(int from, int to) {
-  BoardState &state = Position;
-  const Piece piece = state.Board[from];
-  const Piece captured = state.Board[to];
+template <Side Us> inline void MakeMove(int from, int to) {
+  BoardState &state = Board;
+  const Piece piece = state.Squares[from];
+  const Piece captured = state.Squares[to];
   const PieceType type = TypeOf(piece);
   assert(piece != kNoPiece && SideOf(piece) == Us);
   assert(captured == kNoPiece || (SideOf(captured) != Us && TypeOf(captured) != kKing));
@@ -127,8 +127,8 @@ template <Side Us> inline void MakeMoveOf(int from, int to) {
 
   state.BySide[Us] ^= change;
   state.ByType[type - 1] ^= change;
-  state.Board[from] = kNoPiece;
-  state.Board[to] = piece;
+  state.Squares[from] = kNoPiece;
+  state.Squares[to] = piece;
   if (captured != kNoPiece) {
     state.BySide[Opposite(Us)] ^= Bit(to);
     state.ByType[TypeOf(captured) - 1] ^= Bit(to);
@@ -137,13 +137,13 @@ template <Side Us> inline void MakeMoveOf(int from, int to) {
   state.Sum.Scores = state.Sum.Scores + entered.Scores - left.Scores - taken.Scores;
   const auto reversible = static_cast<std::int32_t>((captured == kNoPiece) & (type != kPawn));
   state.HalfmoveClock = (state.HalfmoveClock + 1) * reversible;
-  state.MovedFlags |= static_cast<std::uint8_t>(kMovedFlagsBy[piece][from] | kMovedFlagsBy[captured][to]);
+  state.MovedFlags |= static_cast<std::uint8_t>(kFlagsLostAt[piece][from] | kFlagsLostAt[captured][to]);
 
   const bool onTarget = to == state.EnPassantSquare && captured == kNoPiece;
   state.EnPassantSquare = kNoSquare;
   const int span = Absolute(to - from);
-  // No short circuits, so that there is one branch, which is rarely taken.
-  if (((type == kPawn) & ((span == kDoubleStep) | onTarget | Contains(kLastRows, to))) |
+  // No short-circuit operators, so that there is one branch, which is rarely taken.
+  if (((type == kPawn) & ((span == kDoubleStep) | onTarget | Contains(kPromotionRows, to))) |
       ((type == kKing) & (span == kCastlingStep)))
     FinishSpecialMove<Us>(type, from, to);
 }

@@ -1,16 +1,16 @@
-// What a piece on a square adds to the sums that MakeMove keeps up to date: board hash, material and
-// piece-square terms.
+// What a piece on a square adds to the sums that MakeMove keeps up to date: board hash, material and piece-square
+// terms.
 #pragma once
 
-#include "board/array.h"
-#include "board/piece_values.h"
+#include "base/array.h"
+#include "board/piece_square_terms.h"
 #include "board/types.h"
 
 namespace zorvane {
 
-// The slot of the transposition table follows from this hash, and which positions share a slot steers the search: it
-// must stay as it is. h = (h * 131 + code + 1) modulo kHashModulus over the squares in order, so each piece adds code *
-// 131^(63 - square) to it wherever the others stand.
+// This hash chooses the slot of the transposition table, and which positions share a slot influences the search, so it
+// must stay as it is and cannot be replaced by Zobrist keys. h = (h * 131 + code + 1) modulo kHashModulus over the
+// squares in order, so each piece adds code * 131^(63 - square), wherever the others are.
 constexpr std::uint64_t kHashModulus = 2147483647;
 constexpr std::uint64_t kHashFactor = 131;
 
@@ -20,15 +20,15 @@ struct SquareTerm {
   std::uint64_t Scores; // made by PackScores
 };
 
-// Two sums in one word, added and subtracted as it is: material above, piece-square terms below. A negative
-// lower half borrows 1 from the upper one, which UnpackMaterial gives back.
+// Two sums in one word, added and subtracted as a whole: material in the upper half, piece-square terms in the lower. A
+// negative lower half borrows 1 from the upper one, which UnpackNonPawn gives back.
 constexpr std::uint64_t PackScores(int material, int pieceSquare) {
   return (static_cast<std::uint64_t>(material) << 32) + static_cast<std::uint64_t>(pieceSquare);
 }
 constexpr int UnpackPieceSquare(std::uint64_t scores) {
   return static_cast<std::int32_t>(static_cast<std::uint32_t>(scores));
 }
-constexpr int UnpackMaterial(std::uint64_t scores) { return static_cast<int>((scores + (1U << 31)) >> 32); }
+constexpr int UnpackNonPawn(std::uint64_t scores) { return static_cast<int>((scores + (1U << 31)) >> 32); }
 
 using SquareTermTable = Array<Array<SquareTerm, kSquares>, kPieceLimit>;
 
@@ -42,7 +42,7 @@ constexpr SquareTermTable MakeSquareTerms() {
         const Piece piece = MakePiece(side, type);
         SquareTerm &term = table[piece][square];
         term.Hash = static_cast<std::uint64_t>(PieceCode(piece)) * power % kHashModulus;
-        term.Scores = PackScores(MaterialValue(type), PieceSquareTerm(side, type, square) * (side == kWhite ? 1 : -1));
+        term.Scores = PackScores(NonPawnValue(type), PieceSquareTerm(side, type, square) * (side == kWhite ? 1 : -1));
       }
     }
     power = power * kHashFactor % kHashModulus;
@@ -50,7 +50,7 @@ constexpr SquareTermTable MakeSquareTerms() {
   return table;
 }
 
-// The hash of a board without a piece.
+// The hash of an empty board.
 constexpr std::uint64_t EmptyBoardHash() {
   std::uint64_t hash = 0;
   for (int square = 0; square < kSquares; ++square)

@@ -2,7 +2,7 @@
 
 #include <cassert>
 
-#include "board/piece_values.h"
+#include "board/piece_square_terms.h"
 #include "evaluation/king_terms.h"
 #include "evaluation/mating_drive.h"
 #include "evaluation/pawn_structure.h"
@@ -13,11 +13,11 @@ namespace zorvane {
 
 namespace {
 
-// Each king's value, centipawns. The two cancel, but adding so much to a sum that holds fractions rounds its last bits
-// away on the way, and those decide the last centipawn.
+// Each king's value in centipawns. The two cancel, but adding so much to a sum with fractions rounds off its last bits,
+// and those decide the last centipawn.
 constexpr double kKingConstant = 20000;
 
-// The whole term of the piece of Us on square, from its own side's view.
+// The whole term of a piece of Us, from its own side's view.
 template <Side Us> double TermOn(const PawnStructure &pawns, const Phase &phase, int square) {
   const PieceType type = TypeOf(PieceOn(square));
   if (type == kPawn)
@@ -27,8 +27,7 @@ template <Side Us> double TermOn(const PawnStructure &pawns, const Phase &phase,
   return PieceSquareTerm(Us, type, square) + PieceTerms<Us>(pawns, phase, Bit(square));
 }
 
-// The exact sum for positions whose doubled pawns have fractional terms. Doubles round, and the total is truncated: the
-// order of summation decides the last centipawn, so the terms are added square by square.
+// Doubles round, and the total is truncated: with fractional terms the order of summation decides the last centipawn.
 int SumInScanOrder(const PawnStructure &pawns, const Phase &phase) {
   double score = 0;
   for (Bitboard pieces = Occupied(); pieces != 0;) {
@@ -45,6 +44,8 @@ int SumInScanOrder(const PawnStructure &pawns, const Phase &phase) {
 
 } // namespace
 
+int EvaluateInScanOrder() { return SumInScanOrder(CurrentPawnStructure(), CurrentPhase()); }
+
 int Evaluate(ScoreRange range) {
   assert(range.Floor < range.Ceiling);
   const Phase &phase = CurrentPhase();
@@ -52,7 +53,7 @@ int Evaluate(ScoreRange range) {
   if (pawns.IsFractional) [[unlikely]]
     return SumInScanOrder(pawns, phase);
 
-  // Cheap terms first. The rest are bounded, and nine evaluations of ten return at a bound.
+  // Cheap terms first. The rest are bounded, and nine evaluations in ten return at a bound.
   int score = PieceSquareScore() + pawns.Score + PieceTerms<kWhite>(pawns, phase, kAllSquares) -
               PieceTerms<kBlack>(pawns, phase, kAllSquares) + BishopPairTerm<kWhite>() - BishopPairTerm<kBlack>() +
               MatingDrive();
@@ -65,15 +66,15 @@ int Evaluate(ScoreRange range) {
   if (lowest >= range.Ceiling)
     return lowest;
 
-  // Passed pawns and the kings' places, which need the phase.
+  // Terms that need the phase: passed pawns and the kings' squares.
   score += PawnPhaseScore(pawns, phase) + KingPlacementTerm<kWhite>(phase) - KingPlacementTerm<kBlack>(phase);
   if (score + highestBlackKingPenalty <= range.Floor)
     return score + highestBlackKingPenalty;
   if (score - highestWhiteKingPenalty >= range.Ceiling)
     return score - highestWhiteKingPenalty;
 
-  // King attacks, the costliest. The attack on White's king only lowers the score, that on Black's only raises it:
-  // beyond an end of the range the one that could bring the score back comes first, and mostly shows that it does not.
+  // King attacks, the most expensive term. An attack on White's king only lowers the score, one on Black's only raises
+  // it. Outside the range, the one that could bring the score back comes first, and usually shows that it does not.
   if (score <= range.Floor) {
     const int raised = score + KingAttackPenalty<kBlack>(phase);
     return raised <= range.Floor ? raised : raised - KingAttackPenalty<kWhite>(phase);

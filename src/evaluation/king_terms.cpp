@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "board/array.h"
-#include "board/piece_values.h"
+#include "base/array.h"
+#include "board/piece_square_terms.h"
 #include "board/rules.h"
 
 namespace zorvane {
@@ -12,28 +12,28 @@ namespace {
 
 // Middlegame placement, centipawns.
 constexpr int kShieldPawn = 12;   // for each pawn of the shield
-constexpr int kCastledBonus = 35; // for the back rank's c and g squares
-constexpr int kRankPenalty = 12;  // for each rank from the back rank
+constexpr int kCastledBonus = 35; // on the c and g files of the back rank
+constexpr int kRankPenalty = 12;  // for each rank away from the back rank
 constexpr int kFilePenalty = 3;   // for each point of file centrality
 
 // Endgame placement, centipawns for each point of centrality.
 constexpr int kCentralityBonus = 5;
 
-// The attack on a king, in points that make centipawns at full phase.
-constexpr int kFullShield = 3;         // pawns that take the linear part of an attack away
-constexpr int kCountedZoneSquares = 3; // at most this many zone squares count for an attacker
+// The attack on a king, in points that equal centipawns at full phase.
+constexpr int kFullShield = 3;         // as many pawns cancel the linear part of an attack
+constexpr int kCountedZoneSquares = 3; // so many zone squares count at most for each attacker
 constexpr int kFewestAttackers = 2;    // a lone attacker is no attack
-constexpr int kSquaredDivisor = 4;     // of the square of the points
+constexpr int kSquaredDivisor = 4;     // divides the squared points
 
-// The weight of a zone square that a piece attacks, by PieceType.
+// The weight of each attacked zone square, by PieceType of the attacker.
 constexpr Array<int, kPieceTypes + 1> kAttackWeights{0, 1, 3, 2, 2, 5, 1};
 
-// What a king's square gives it, and where its shield and its attackers are looked for.
+// What a king's square gives it, and where its shield pawns and its attackers count.
 struct KingSquare {
   std::int16_t Middlegame;
   std::int16_t Endgame;
-  Bitboard Shield;         // where pawns shield it
-  Array<Bitboard, 2> Zone; // where attackers count: 0 with a shield pawn, 1 without, which is a row more
+  Bitboard Shield;         // squares of shield pawns
+  Array<Bitboard, 2> Zone; // where attackers count: 0 with a shield pawn, 1 without, one row more
 };
 
 constexpr Bitboard WithNeighbours(int square) { return Bit(square) | ShiftWest(Bit(square)) | ShiftEast(Bit(square)); }
@@ -60,7 +60,7 @@ template <Side Us> constexpr Array<KingSquare, kSquares> MakeKingSquares() {
 
 template <Side Us> constexpr Array<KingSquare, kSquares> kKingSquares = MakeKingSquares<Us>();
 
-// A blend lies between its middlegame and endgame values, so their extremes bound every king's term.
+// A blend is between its middlegame and endgame values, so their extremes bound every king's term.
 constexpr int KingPlacementSpread() {
   int lowest = 0;
   int highest = 0;
@@ -72,11 +72,11 @@ constexpr int KingPlacementSpread() {
 }
 static_assert(KingPlacementSpread() == kKingPlacementSpread);
 
-// One sum holds both: the upper 16 bits the number of attackers, the lower ones their weighted squares.
+// One sum holds both: the number of attackers in the upper 16 bits, their weighted squares in the lower ones.
 constexpr int kOneAttacker = 1 << 16;
 constexpr int kLargestZone = 15;
 
-// What a piece adds to the sum, by type and number of zone squares that it attacks.
+// What a piece adds to the sum, by type and number of attacked zone squares.
 constexpr Array<Array<int, kLargestZone + 1>, kPieceTypes + 1> MakeZoneTerms() {
   Array<Array<int, kLargestZone + 1>, kPieceTypes + 1> table{};
   for (int type = kPawn; type <= kKing; ++type)
@@ -89,7 +89,7 @@ constexpr Array<Array<int, kLargestZone + 1>, kPieceTypes + 1> kZoneTerms = Make
 
 int ZoneTerm(PieceType type, Bitboard zoneSquares) { return kZoneTerms[type][PopCount(zoneSquares)]; }
 
-// A pawn attacks two squares at most, never more than count, so all pawns are counted at once.
+// A pawn attacks at most two squares, fewer than count, so all pawns are counted at once.
 template <Side Attacker> int PawnZoneTerms(Bitboard zone) {
   const Bitboard pawns = Pieces(Attacker, kPawn);
   const Bitboard towardsA = ShiftWest(ShiftForward<Attacker>(pawns)) & zone;
@@ -101,11 +101,11 @@ template <Side Attacker> int PawnZoneTerms(Bitboard zone) {
 // The attackers of a zone and their weighted squares.
 template <Side Attacker> int ZoneSum(Bitboard zone) {
   const Bitboard occupied = Occupied();
-  int sum = PawnZoneTerms<Attacker>(zone) + ZoneTerm(kKing, KingAttacks[FindKingSquare(Attacker)] & zone);
+  int sum = PawnZoneTerms<Attacker>(zone) + ZoneTerm(kKing, kKingAttacks[FindKingSquare(Attacker)] & zone);
   for (Bitboard rooks = Pieces(Attacker, kRook); rooks != 0;)
     sum += ZoneTerm(kRook, RookAttacks(PopLsb(rooks), occupied) & zone);
   for (Bitboard knights = Pieces(Attacker, kKnight); knights != 0;)
-    sum += ZoneTerm(kKnight, KnightAttacks[PopLsb(knights)] & zone);
+    sum += ZoneTerm(kKnight, kKnightAttacks[PopLsb(knights)] & zone);
   for (Bitboard bishops = Pieces(Attacker, kBishop); bishops != 0;)
     sum += ZoneTerm(kBishop, BishopAttacks(PopLsb(bishops), occupied) & zone);
   for (Bitboard queens = Pieces(Attacker, kQueen); queens != 0;)

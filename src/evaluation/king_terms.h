@@ -6,14 +6,14 @@
 
 namespace zorvane {
 
-// The largest difference between any two values of KingPlacementTerm, centipawns; a static_assert holds it.
+// The largest difference between any two values of KingPlacementTerm, centipawns; checked by a static_assert.
 constexpr int kKingPlacementSpread = 167;
 
-// What its square and the pawns in front of it give the king of Us: centipawns, positive is good for Us. The large
-// constant that both kings have is evaluate.cpp's.
+// What the king of Us gets for its square and the pawns in front of it: centipawns, positive is good for Us. Without
+// the large constant of both kings, which is in evaluate.cpp.
 template <Side Us> int KingPlacementTerm(const Phase &phase);
 
-// What the attackers of its zone cost the king of Us: centipawns, 0 to HighestAttackPenalty.
+// The penalty for attacks on the zone of the king of Us: centipawns, 0 to HighestAttackPenalty.
 template <Side Us> int KingAttackPenalty(const Phase &phase);
 
 // An attack without a queen counts a quarter. The penalty must be 0 or more.
@@ -22,7 +22,7 @@ template <Side Attacker> inline int ScaleByQueen(int penalty) {
   return penalty >> (Pieces(Attacker, kQueen) == 0 ? quarter : 0);
 }
 
-// The most that any attack on the king of Us can cost in this phase.
+// The highest possible KingAttackPenalty in this phase.
 template <Side Us> inline int HighestAttackPenalty(const Phase &phase) {
   return ScaleByQueen<Opposite(Us)>(phase.HighestQueenAttack);
 }

@@ -8,14 +8,14 @@ namespace zorvane {
 
 namespace {
 
-constexpr int kPerMissingMove = 16; // centipawns for each move that the bare king lacks of kMostKingMoves
-constexpr int kPerStepToEdge = 35;  // for each step that it is closer to the edge than the centre is
-constexpr int kPerStepOfKings = 18; // for each step that the kings are closer than from corner to corner
+constexpr int kPerMissingMove = 16; // centipawns for each move that the bare king has fewer than kMostKingMoves
+constexpr int kPerStepToEdge = 35;  // for each step closer to the edge than the centre
+constexpr int kPerStepOfKings = 18; // for each step that the kings are closer than corner to corner
 constexpr int kMostKingMoves = 8;
 constexpr int kCentreFromEdge = 3;
 
-// The drive of Us against the bare king of the other side.
-template <Side Us> int DriveOf() {
+// The bonus of Us for driving the bare king of the other side.
+template <Side Us> int Drive() {
   constexpr Side bareSide = Opposite(Us);
   const int own = FindKingSquare(Us);
   const int bare = FindKingSquare(bareSide);
@@ -24,16 +24,16 @@ template <Side Us> int DriveOf() {
   const int fromEdge = std::min({file, 7 - file, row, 7 - row});
   const int moves = PopCount(KingSteps<bareSide>(bare, kAllSquares));
   return (kMostKingMoves - moves) * kPerMissingMove + (kCentreFromEdge - fromEdge) * kPerStepToEdge +
-         (kFarthestApart - Distance(own, bare)) * kPerStepOfKings;
+         (kFarthestApart - ManhattanDistance(own, bare)) * kPerStepOfKings;
 }
 
 } // namespace
 
 int DriveAgainstBareKing() {
   if (IsBare(kBlack) && Pieces(kWhite, kRook, kQueen) != 0)
-    return DriveOf<kWhite>();
+    return Drive<kWhite>();
   if (IsBare(kWhite) && Pieces(kBlack, kRook, kQueen) != 0)
-    return -DriveOf<kBlack>();
+    return -Drive<kBlack>();
   return 0;
 }
 

@@ -1,8 +1,9 @@
 #include "evaluation/pawn_structure.h"
 
-#include "board/array.h"
-#include "board/memory_block.h"
-#include "board/piece_values.h"
+#include "base/array.h"
+#include "base/hash_spread.h"
+#include "base/memory_block.h"
+#include "board/piece_square_terms.h"
 #include "board/rules.h"
 
 namespace zorvane {
@@ -15,12 +16,12 @@ constexpr int kPawnCacheBits = 10;
 constexpr std::size_t kPawnCacheSlots = std::size_t{1} << kPawnCacheBits;
 
 // Centipawns.
-constexpr int kDoubledPenalty = 12; // for each pawn of a file beyond its first
+constexpr int kDoubledPenalty = 12; // for each pawn after the first on a file
 constexpr int kIsolatedPenalty = 15;
 constexpr int kPassedPerSquaredRank = 2;
 constexpr int kConnectedPassed = 8;
 constexpr int kProtectedPassed = 10;
-constexpr int kSupportedPerRank = 2; // more for a connected passed pawn, and again for a protected one
+constexpr int kSupportedPerRank = 2; // added for a connected passed pawn, and again for a protected one
 
 // The same four squares for both sides.
 constexpr Bitboard kCentralSquares = (FileMask(3) | FileMask(4)) & (RowMask(3) | RowMask(4));
@@ -47,17 +48,17 @@ template <Side Us> constexpr Bitboard ConnectedPawns(Bitboard pawns) {
 
 template <Side Us> constexpr Bitboard ProtectedPawns(Bitboard pawns) { return pawns & PawnCaptures<Us>(pawns); }
 
-// An enemy pawn on the same or a neighbouring file counts when it stands further ahead, not when it is level.
+// An enemy pawn on the same or a neighbouring file stops a pawn if it is ahead of it, not if it is level.
 template <Side Us> constexpr Bitboard PassedPawns(Bitboard pawns, Bitboard enemyPawns) {
   const Bitboard stopped = FillBehind<Us>(ShiftBackward<Us>(enemyPawns));
   return pawns & ~(stopped | Beside(stopped));
 }
 
 // The penalty of a file, (n - 1) * 12, is spread evenly over its n pawns: (n - 1) * 12 / n each. For n of 1, 2, 3, 4
-// and 6 that is a whole number, for 8 it is 10.5, which is exact in binary: the sum is the same in any order. Fifths
-// and sevenths are not exact. A game has up to six pawns on a file; seven can be loaded.
+// and 6 that is a whole number, and for 8 it is 10.5, which is exact in binary: the sum is the same in any order.
+// Fifths and sevenths are not exact. A game has at most six pawns on a file; seven can be loaded.
 constexpr bool IsFractionalCount(int pawnsOnFile) { return pawnsOnFile == 5 || pawnsOnFile == 7; }
-constexpr int kFewestFractional = 5; // so with fewer than four doubled pawns no file need be looked at
+constexpr int kFewestFractional = 5; // so with fewer than four doubled pawns no file can be fractional
 
 bool HasFractionalFile(Bitboard pawns) {
   for (int file = 0; file < 8; ++file)
@@ -88,7 +89,7 @@ template <Side Us> int AddSide(PawnStructure &structure) {
   return score;
 }
 
-// The least and the most that phase and kings may add for the pawns of a side; a race term is at most kRaceLimit.
+// The least and the most that phase and kings can add for the pawns of a side; a race term is at most kRaceLimit.
 struct TermLimits {
   int Lowest;
   int Highest;
@@ -119,7 +120,7 @@ constexpr Array<Array<std::int8_t, kSquares>, kSquares> MakeDistanceTable() {
   Array<Array<std::int8_t, kSquares>, kSquares> table{};
   for (int from = 0; from < kSquares; ++from)
     for (int to = 0; to < kSquares; ++to)
-      table[from][to] = static_cast<std::int8_t>(Distance(from, to));
+      table[from][to] = static_cast<std::int8_t>(ManhattanDistance(from, to));
   return table;
 }
 
@@ -129,7 +130,7 @@ int PassedEndgameTerm(const Phase &phase, Side side, int square) {
   return phase.PassedEndgameTerm[RelativeRank(side, square)];
 }
 
-// The race of the kings to a passed pawn.
+// The bonus for being closer to a passed pawn with the own king than the enemy is with his.
 int RaceTerm(const Phase &phase, int square, int ownKing, int enemyKing) {
   const int lead = kDistances[enemyKing][square] - kDistances[ownKing][square];
   return phase.RaceTerms[lead + kFarthestApart];
@@ -146,15 +147,14 @@ int PassedPhaseTerms(const PawnStructure &structure, const Phase &phase, Side si
   return score;
 }
 
-// Where the structure of the pawns belongs: a slot of the PawnCache, or with the cache off an entry that is emptied
-// each time.
+// The slot for the structure of these pawns: in the cache, or with the cache off an entry that is cleared each time.
 PawnStructure &SlotFor(Bitboard whitePawns, Bitboard blackPawns) {
   static PawnStructure uncached;
   if (!PawnCacheEnabled)
     return uncached = {};
   if (BlockOf(kPawnCacheBlock).Length == 0) [[unlikely]]
     AllocateBlock(kPawnCacheBlock, kPawnCacheSlots * sizeof(PawnStructure));
-  // Another odd factor for the second board; which one does not matter.
+  // A different odd factor for the second set; which one does not matter.
   const std::uint64_t hash = whitePawns * kHashSpread ^ blackPawns * 0xC2B2AE3D27D4EB4FU;
   return RecordAt<PawnStructure>(kPawnCacheBlock, (hash >> (64 - kPawnCacheBits)) * sizeof(PawnStructure));
 }
@@ -177,7 +177,7 @@ int PawnPhaseScore(const PawnStructure &structure, const Phase &phase) {
          PassedPhaseTerms(structure, phase, kBlack);
 }
 
-// In this very order: from the doubled pawns' fraction on, each addition rounds.
+// The order of additions matters: from the fraction of doubled pawns on, each one rounds.
 double PawnTerm(const PawnStructure &structure, const Phase &phase, int square) {
   const Side side = SideOf(PieceOn(square));
   const Bitboard own = structure.Pawns[side];

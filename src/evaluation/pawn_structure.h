@@ -1,18 +1,18 @@
 // The terms of the pawns, and the cache of what depends on the pawns alone.
 #pragma once
 
-#include "board/array.h"
+#include "base/array.h"
 #include "board/position.h"
 #include "evaluation/phase.h"
 
 namespace zorvane {
 
-// What follows from a placement of pawns alone: a slot of the PawnCache, one cache line. All zero, as it is at first,
-// it is right for a board without pawns.
+// What follows from the placement of pawns alone: a slot of the pawn cache, one cache line. All zero, as a new cache
+// is, it is correct for a board without pawns.
 struct alignas(64) PawnStructure {
-  Array<Bitboard, 2> Pawns;  // by side; the placement that the other fields are about
+  Array<Bitboard, 2> Pawns;  // by side; the placement that the other fields describe
   Array<Bitboard, 2> Passed; // by side
-  Array<Bitboard, 2> Files;  // by side: every square of the files that hold its pawns
+  Array<Bitboard, 2> Files;  // by side: all squares of the files on which it has pawns
 
   // Centipawns, White's minus Black's: doubled, isolated and passed pawns. Not used when IsFractional.
   std::int32_t Score;
@@ -28,15 +28,16 @@ struct alignas(64) PawnStructure {
   bool IsFractional;
 };
 
-// With false nothing is cached, and every value stays the same. On at program start.
+// Turns the cache on or off; scores do not depend on it. RunSearch sets it for each search from its options; at program
+// start it is on.
 void EnablePawnCache(bool enabled);
 
-// The structure of the pawns on the board, from the cache or worked out. The reference is valid until the next
-// call. Allocates the cache on first use, and ends the process with exit code 2 when there is no memory.
+// The structure of the pawns on the board, cached or computed. The reference is valid until the next call. Allocates
+// the cache on first use, and ends the process with exit code 2 if there is no memory.
 const PawnStructure &CurrentPawnStructure();
 
 // The terms that depend on phase and kings, centipawns, White's minus Black's: central pawns, passed pawns in the
-// endgame, the race of the kings to them.
+// endgame, and the kings' distances from them.
 int PawnPhaseScore(const PawnStructure &structure, const Phase &phase);
 
 // The whole term of the pawn on square, centipawns from its own side's view, with its fraction.

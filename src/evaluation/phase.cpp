@@ -1,6 +1,6 @@
 #include "evaluation/phase.h"
 
-#include "board/array.h"
+#include "base/array.h"
 
 namespace zorvane {
 
@@ -38,6 +38,6 @@ constexpr Array<Phase, kPhases> MakePhaseTable() {
 
 } // namespace
 
-constexpr Array<Phase, kPhases> PhaseTable = MakePhaseTable();
+constexpr Array<Phase, kPhases> kPhaseTable = MakePhaseTable();
 
 } // namespace zorvane

@@ -1,7 +1,7 @@
-// How far the game has gone from the full set of pieces to bare kings, and the terms that follow from that alone.
+// How far the game has progressed from the full set of pieces to bare kings, and the terms that depend on that alone.
 #pragma once
 
-#include "board/array.h"
+#include "base/array.h"
 #include "board/position.h"
 
 namespace zorvane {
@@ -13,9 +13,9 @@ constexpr int kPhaseUnit = 10;
 constexpr int kPhases = kFullPhase / kPhaseUnit + 1;
 
 // Centipawns.
-constexpr int kHighestRawPenalty = 260; // of an attack on a king with a queen, at full phase
+constexpr int kHighestRawPenalty = 260; // of an attack with a queen on a king, at full phase
 constexpr int kCentralPawn = 18;        // at full phase
-constexpr int kRaceLimit = 24;          // of a king race, either way
+constexpr int kRaceLimit = 24;          // of a RaceTerm, either way
 
 // What a passed pawn earns at phase 0, centipawns.
 constexpr int PassedEndgameLimit(int relativeRank) { return 3 * relativeRank * relativeRank; }
@@ -24,21 +24,21 @@ constexpr int PassedEndgameLimit(int relativeRank) { return 3 * relativeRank * r
 struct alignas(64) Phase {
   std::int16_t GamePhase;          // the material sum, but at most kFullPhase
   std::int16_t EndgameWeight;      // kFullPhase less GamePhase
-  std::int16_t HighestQueenAttack; // the highest penalty of an attack on a king with a queen
+  std::int16_t HighestQueenAttack; // the highest penalty of an attack with a queen on a king
   std::int8_t CentralPawnBonus;
   std::int8_t QueenSortiePenalty;
   Array<std::int16_t, 8> PassedEndgameTerm; // by relative rank
 
-  // By the enemy king's distance from the pawn less the own king's, plus kFarthestApart.
+  // For a passed pawn, by the enemy king's distance from it less the own king's, plus kFarthestApart.
   Array<std::int8_t, 2 * kFarthestApart + 1> RaceTerms;
 };
 
 // By GamePhase in units.
-extern const Array<Phase, kPhases> PhaseTable;
+extern const Array<Phase, kPhases> kPhaseTable;
 
 inline const Phase &CurrentPhase() {
-  const int material = MaterialSum();
-  return PhaseTable[(material < kFullPhase ? material : kFullPhase) / kPhaseUnit];
+  const int material = NonPawnMaterial();
+  return kPhaseTable[(material < kFullPhase ? material : kFullPhase) / kPhaseUnit];
 }
 
 } // namespace zorvane

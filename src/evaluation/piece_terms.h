@@ -8,13 +8,13 @@ namespace zorvane {
 
 constexpr int kBishopPair = 30;
 constexpr int kHalfOpenFile = 12; // for a rook on a file without own pawns
-constexpr int kOpenFile = 10;     // on top, when there are no enemy pawns either
+constexpr int kOpenFile = 10;     // in addition, if there are no enemy pawns either
 
-// Where a queen has come out: all but the side's first two ranks.
+// Where a queen counts as out: everywhere but on the side's first two ranks.
 template <Side Us>
 constexpr Bitboard kQueenSortieSquares = Us == kWhite ? ~(RowMask(7) | RowMask(6)) : ~(RowMask(0) | RowMask(1));
 
-// The terms of those rooks and queens of Us that stand on the squares given: open files and queens out early.
+// The terms of the rooks and queens of Us on the given squares: open files and queens out early.
 template <Side Us> inline int PieceTerms(const PawnStructure &pawns, const Phase &phase, Bitboard squares) {
   const Bitboard halfOpen = squares & Pieces(Us, kRook) & ~pawns.Files[Us];
   const Bitboard sorties = squares & Pieces(Us, kQueen) & kQueenSortieSquares<Us>;

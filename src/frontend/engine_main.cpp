@@ -3,19 +3,19 @@
 #include <cstdio>
 #include <cstring>
 
+#include "base/exit_code.h"
+#include "base/parse_integer.h"
+#include "base/program_clock.h"
 #include "board/bitboard.h"
 #include "board/fen.h"
-#include "board/number_text.h"
 #include "board/perft.h"
 #include "evaluation/evaluate.h"
-#include "frontend/exit_code.h"
 #include "frontend/request_file.h"
 #include "frontend/search_report.h"
 #include "frontend/uci_loop.h"
 #include "platform/platform.h"
 #include "search/search_driver.h"
-#include "search/stop_control.h"
-#include "search/transposition_table.h"
+#include "tree/transposition_table.h"
 
 namespace zorvane {
 
@@ -24,10 +24,10 @@ namespace {
 constexpr int kDefaultPerftDepth = 3;
 constexpr int kHighestPerftDepth = 6;
 constexpr int kDefaultBenchDepth = 3;
-constexpr double kBenchTimeLimitSeconds = 300.0;
 
 bool Is(const char *argument, const char *word) { return std::strcmp(argument, word) == 0; }
 
+// Hosts compare this text, the message box and the answer of WriteNoMove in request_file.cpp: German is not a mistake.
 int RunStatus() {
   std::fputs("Zorvane C-Engine: OK, bin da.\n"
              "Programmstart erfolgreich. Keine Schachberechnung ausgefuehrt.\n",
@@ -50,12 +50,11 @@ int RunEval() {
 int RunBench(int depth) {
   if (depth < 1 || depth > kDepthLimit)
     return kFailure;
-  RunSearch({depth, kBenchTimeLimitSeconds});
-  PrintSearchResult();
+  PrintSearchResult(RunSearch({depth, kLongestTimeMs}, {}));
   return kSuccess;
 }
 
-// The modes with a first argument. StartEngine has run.
+// Runs the mode that the first argument names. Call StartEngine first.
 int RunMode(int argc, char **argv) {
   const char *mode = argv[1];
   const bool hasValue = argc > 2;
@@ -68,7 +67,7 @@ int RunMode(int argc, char **argv) {
   const auto number = [&](int absent) { return hasValue ? ParseInteger(argv[2]) : absent; };
   if (Is(mode, "--perft"))
     return RunPerft(number(kDefaultPerftDepth));
-  if (Is(mode, "--eval")) // its value has no meaning
+  if (Is(mode, "--eval")) // the value is ignored
     return RunEval();
   if (Is(mode, "--bench"))
     return RunBench(number(kDefaultBenchDepth));
@@ -82,7 +81,7 @@ void StartEngine() {
   InitializeBitboards();
   StartProgramClock();
   ResizeTransposition(kDefaultTableKb);
-  LoadFen(StartFen);
+  LoadFen(kStartFen);
 }
 
 int EngineMain(int argc, char **argv) {

@@ -3,11 +3,11 @@
 
 namespace zorvane {
 
-// Runs the mode that the arguments name and returns the exit code of the process, 0 or 2. Without arguments that is the
-// UCI loop, or a message box when there is no usable standard input.
+// Runs the mode that the arguments name and returns the exit code of the process, 0 or 2. Without arguments, that is
+// the UCI loop, or a message box if there is no usable standard input.
 int EngineMain(int argc, char **argv);
 
-// Makes the engine ready for its first search: tables, clock, the initial position.
+// Prepares the engine for its first search: tables, clock, initial position.
 void StartEngine();
 
 } // namespace zorvane

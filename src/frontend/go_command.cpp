@@ -4,43 +4,43 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "board/number_text.h"
+#include "base/parse_integer.h"
 #include "board/position.h"
+#include "platform/platform.h"
 
 namespace zorvane {
 
 namespace {
 
-constexpr double kDepthTimeLimitSeconds = 300.0;
-constexpr double kInfiniteTimeLimitSeconds = 86400.0;
-constexpr double kShortestTimeMs = 1.0;
-constexpr double kClockShare = 30.0;     // a move gets one part of so many of the clock
-constexpr double kClockReserveMs = 50.0; // always left on the clock
+constexpr double kInfiniteTimeMs = 86400000;
+constexpr double kClockShare = 30;     // a move gets this part of the clock
+constexpr double kClockReserveMs = 50; // always left on the clock
 
-// The text behind a word of the line, null when the word is not there.
-const char *TextBehind(const char *line, const char *word) {
+// The text after a word in the line, null if the word is missing.
+const char *TextAfter(const char *line, const char *word) {
   const char *found = std::strstr(line, word);
   return found == nullptr ? nullptr : found + std::strlen(word);
 }
 
-// In this order of arguments, what is not a number gives the shortest time.
-double TimeLimitSeconds(double milliseconds) { return std::max(kShortestTimeMs, milliseconds) / 1000.0; }
+// With the arguments of std::max in this order, NaN gives the shortest time.
+double AtLeastShortest(double milliseconds) { return std::max(kShortestTimeMs, milliseconds); }
 
 } // namespace
 
 GoCommand ReadGoCommand(const char *line) {
   GoCommand command{{}, false};
-  if (const char *depth = TextBehind(line, " depth "))
-    command.Limits = {std::clamp(ParseInteger(depth), 1, kDepthLimit), kDepthTimeLimitSeconds};
-  if (const char *moveTime = TextBehind(line, " movetime ")) {
-    command.Limits.TimeLimitSeconds = TimeLimitSeconds(std::strtod(moveTime, nullptr));
-  } else if (const char *clock = TextBehind(line, SideToMove == kWhite ? " wtime " : " btime ")) {
+  if (const char *depth = TextAfter(line, " depth "))
+    command.Limits = {std::clamp(ParseInteger(depth), 1, kDepthLimit), kLongestTimeMs};
+  if (const char *moveTime = TextAfter(line, " movetime ")) {
+    command.Limits.TimeMs = AtLeastShortest(std::strtod(moveTime, nullptr));
+  } else if (const char *clock = TextAfter(line, SideToMove == kWhite ? " wtime " : " btime ")) {
     const double left = std::strtod(clock, nullptr);
-    command.Limits.TimeLimitSeconds = TimeLimitSeconds(std::min(left / kClockShare, left - kClockReserveMs));
+    command.Limits.TimeMs = AtLeastShortest(std::min(left / kClockShare, left - kClockReserveMs));
   }
-  if (TextBehind(line, " infinite") != nullptr) {
-    command.Limits.TimeLimitSeconds = kInfiniteTimeLimitSeconds;
-    command.IsInfinite = true;
+  if (TextAfter(line, " infinite") != nullptr) {
+    // Without threads no stop could reach the search: it goes to its depth instead.
+    command.IsInfinite = HasThreads();
+    command.Limits.TimeMs = command.IsInfinite ? kInfiniteTimeMs : kLongestTimeMs;
   }
   return command;
 }

@@ -1,4 +1,4 @@
-// The words of a "go" line.
+// Parsing of the UCI "go" command.
 #pragma once
 
 #include "search/search_driver.h"
@@ -7,12 +7,13 @@ namespace zorvane {
 
 struct GoCommand {
   SearchLimits Limits;
-  bool IsInfinite; // the result is held back until a stop
+  bool IsInfinite; // the result is held back until stop
 };
 
-// Reads depth, movetime, the clock of the side to move and infinite; other words have no meaning. Without any: depth 8,
-// ten seconds. A depth is held to 1 to 8 and gives 300 s; movetime, or else the clock, replaces that time with a
-// millisecond at least, and infinite replaces it with a day.
+// Reads depth, movetime, the clock of the side to move and infinite; other words are ignored. The default is depth 8
+// and ten seconds. depth is clamped to 1 to 8 and allows 300 s; movetime, or else the clock, replaces that time with at
+// least one millisecond, and infinite replaces it with a day. On a system without threads infinite means a search to
+// depth 8, or to the given depth.
 GoCommand ReadGoCommand(const char *line);
 
 } // namespace zorvane

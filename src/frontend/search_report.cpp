@@ -4,18 +4,17 @@
 #include <array>
 #include <cstdio>
 
+#include "board/move_text.h"
 #include "evaluation/score.h"
-#include "search/search_driver.h"
-#include "search/search_state.h"
 
 namespace zorvane {
 
 namespace {
 
-// The score as UCI wants it: from the mover's view, mates in moves.
-std::array<char, 64> ScoreText(int bestScore) {
+// The score in UCI form: from the mover's view, mates in moves.
+std::array<char, 64> ScoreText(const SearchResult &result) {
   std::array<char, 64> text{};
-  const int score = RootSide() == kWhite ? bestScore : -bestScore;
+  const int score = result.RootSide == kWhite ? result.BestScore : -result.BestScore;
   const int mateMoves = (std::max(kMateValue - Absolute(score), 0) + 1) / 2;
   if (IsMateScore(score))
     std::snprintf(text.data(), text.size(), "mate %d", score < 0 ? -mateMoves : mateMoves);
@@ -26,15 +25,15 @@ std::array<char, 64> ScoreText(int bestScore) {
 
 } // namespace
 
-void PrintSearchResult() {
-  const SearchResult &result = Result();
+void PrintSearchResult(const SearchResult &result) {
   const bool hasMove = result.BestMove != kNoMove;
-  const char *move = result.BestMoveText.Text.data();
+  const MoveChars move =
+      hasMove ? MoveText(result.BestMover, FromOf(result.BestMove), ToOf(result.BestMove)) : MoveChars{};
   const double rate = static_cast<double>(result.Nodes) * 1000.0 / (result.ElapsedMs > 0 ? result.ElapsedMs : 1.0);
   std::printf("info depth %d score %s nodes %lld time %d nps %lld pv %s\n", result.CompletedDepth,
-              ScoreText(result.BestScore).data(), static_cast<long long>(result.Nodes),
-              static_cast<int>(result.ElapsedMs), static_cast<long long>(rate), hasMove ? move : "");
-  std::printf("bestmove %s\n", hasMove ? move : "0000");
+              ScoreText(result).data(), static_cast<long long>(result.Nodes), static_cast<int>(result.ElapsedMs),
+              static_cast<long long>(rate), move.data());
+  std::printf("bestmove %s\n", hasMove ? move.data() : "0000");
   std::fflush(stdout);
 }
 

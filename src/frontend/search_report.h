@@ -1,10 +1,11 @@
-// What a search looks like to a chess interface.
+// The output of a search for a chess interface.
 #pragma once
+
+#include "search/search_driver.h"
 
 namespace zorvane {
 
-// Writes the info and bestmove lines of the last search to standard output. There are no others, and the line that info
-// names is the best move alone.
-void PrintSearchResult();
+// Prints the info and bestmove lines of a search. There are no other info lines, and the pv is the best move alone.
+void PrintSearchResult(const SearchResult &result);
 
 } // namespace zorvane

@@ -5,7 +5,7 @@
 #include "frontend/go_command.h"
 #include "frontend/search_report.h"
 #include "platform/platform.h"
-#include "search/stop_control.h"
+#include "tree/stop_control.h"
 
 namespace zorvane {
 
@@ -13,36 +13,38 @@ namespace {
 
 constexpr int kInfinitePollMs = 10;
 
-// Touched by the main thread alone: true from a worker's creation until it is joined.
-bool IsSearchThreadRunning;
+// Used by the main thread only: true from a worker's start until it is joined.
+bool HasWorker;
 
-// What the worker does; written before it starts.
+// What the worker does; written before it is started.
 GoCommand Command;
+SearchOptions Options;
 
 void SearchThreadMain() {
-  RunSearch(Command.Limits);
+  const SearchResult result = RunSearch(Command.Limits, Options);
   while (Command.IsInfinite && !IsStopRequested())
     SleepMilliseconds(kInfinitePollMs);
-  PrintSearchResult();
+  PrintSearchResult(result);
 }
 
 } // namespace
 
-void StartSearchThread(const char *goLine) {
+void StartSearchThread(const char *goLine, const SearchOptions &options) {
   StopSearchThread();
   Command = ReadGoCommand(goLine);
+  Options = options;
   ClearStopRequest();
-  IsSearchThreadRunning = StartWorker(SearchThreadMain);
-  if (!IsSearchThreadRunning)
+  HasWorker = StartWorker(SearchThreadMain);
+  if (!HasWorker)
     std::printf("info string thread creation failed\n");
 }
 
 void StopSearchThread() {
-  if (!IsSearchThreadRunning)
+  if (!HasWorker)
     return;
   RequestStop();
   JoinWorker();
-  IsSearchThreadRunning = false;
+  HasWorker = false;
 }
 
 } // namespace zorvane

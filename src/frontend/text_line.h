@@ -1,4 +1,4 @@
-// Lines of commands and requests, as fgets gives them.
+// Lines of commands and requests, as read by fgets.
 #pragma once
 
 #include <cstddef>
@@ -6,17 +6,17 @@
 
 namespace zorvane {
 
-// Room for a line of 16383 characters; the rest of a longer one is read as the next line.
+// Fits a line of 16383 characters; the rest of a longer one is read as the next line.
 constexpr std::size_t kTextLineSize = 16384;
 
-// Ends the text before its first carriage return or line feed.
+// Cuts the text at its first carriage return or line feed.
 inline void CutLineEnd(char *line) { line[std::strcspn(line, "\r\n")] = '\0'; }
 
 inline bool StartsWith(const char *text, const char *beginning) {
   return std::strncmp(text, beginning, std::strlen(beginning)) == 0;
 }
 
-// Ends a position line before its first " moves " and returns the text behind that, null when it is not there.
+// Cuts a position line at its first " moves " and returns the text after that, null if there is none.
 inline char *CutMoveList(char *line) {
   constexpr char word[] = " moves ";
   char *found = std::strstr(line, word);

@@ -4,13 +4,13 @@
 #include <cstdio>
 #include <cstring>
 
+#include "base/exit_code.h"
+#include "base/parse_integer.h"
 #include "board/fen.h"
 #include "board/move_text.h"
-#include "board/number_text.h"
-#include "frontend/exit_code.h"
 #include "frontend/search_thread.h"
 #include "frontend/text_line.h"
-#include "search/transposition_table.h"
+#include "tree/transposition_table.h"
 
 namespace zorvane {
 
@@ -19,6 +19,9 @@ namespace {
 constexpr char kHashOption[] = "setoption name Hash value";
 constexpr char kPositionCommand[] = "position ";
 constexpr char kFenWord[] = "fen ";
+
+// The options for the next searches. Hash is not among them: it sets the size of the table at once.
+SearchOptions Options;
 
 void Say(const char *line) { std::printf("%s\n", line); }
 
@@ -32,25 +35,25 @@ void Identify() {
 void StartNewGame() {
   StopSearchThread();
   ClearTransposition();
-  LoadFen(StartFen);
+  LoadFen(kStartFen);
 }
 
-// The option is a switch: any number but 0 means the one table size.
+// The option is a switch: any number but 0 means the default size.
 void SetHash(const char *value) {
   StopSearchThread();
   ResizeTransposition(ParseInteger(value) != 0 ? kDefaultTableKb : 0);
 }
 
-void SetPosition(char *line) {
+void HandlePosition(char *line) {
   StopSearchThread();
   char *position = line + std::strlen(kPositionCommand);
   char *moves = CutMoveList(line);
-  // In "position moves ..." the cut took the blank of the command word: no position is named.
+  // In "position moves ..." the cut removed the blank after "position": no position is named.
   if (std::strlen(line) < std::strlen(kPositionCommand)) {
     Say("info string invalid position");
     return;
   }
-  const char *fen = std::strcmp(position, "startpos") == 0 ? StartFen
+  const char *fen = std::strcmp(position, "startpos") == 0 ? kStartFen
                     : StartsWith(position, kFenWord)       ? position + std::strlen(kFenWord)
                                                            : nullptr;
   if (fen == nullptr || !LoadFen(fen)) {
@@ -80,9 +83,9 @@ bool HandleUciCommand(char *line) {
   } else if (StartsWith(line, kHashOption)) {
     SetHash(line + std::strlen(kHashOption));
   } else if (StartsWith(line, kPositionCommand)) {
-    SetPosition(line);
+    HandlePosition(line);
   } else if (StartsWith(line, "go")) {
-    StartSearchThread(line);
+    StartSearchThread(line, Options);
   }
   return true;
 }

@@ -1,12 +1,12 @@
-// The interactive mode: UCI commands on standard input, answers on standard output.
+// The UCI mode: commands on standard input, answers on standard output.
 #pragma once
 
 namespace zorvane {
 
-// Reads and answers commands until "quit" or the end of input. Returns the exit code, 0.
+// Reads and answers commands until "quit" or the end of the input. Returns the exit code, 0.
 int RunUciLoop();
 
-// Acts on one command line, which may end in a line feed and is modified. False for "quit".
+// Handles one command line, which may end in a line feed and is modified. False for "quit".
 bool HandleUciCommand(char *line);
 
 } // namespace zorvane

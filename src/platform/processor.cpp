@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::uint32_t Flag(int bit) { return std::uint32_t{1} << bit; }
 
-// What a compiler may use for x86-64-v3.
+// The features that compilers use for x86-64-v3.
 constexpr std::uint32_t kSystemSavesRegisters = Flag(27);                        // OSXSAVE: XGETBV may be executed
 constexpr std::uint32_t kFeatures = Flag(0) | Flag(9) | Flag(12) | Flag(13) |    // SSE3, SSSE3, FMA, CMPXCHG16B
                                     Flag(19) | Flag(20) | Flag(22) | Flag(23) |  // SSE4.1, SSE4.2, MOVBE, POPCNT
@@ -22,7 +22,7 @@ constexpr std::uint32_t kVectorRegisters = Flag(1) | Flag(2);                   
 
 constexpr bool HasAll(std::uint32_t flags, std::uint32_t wanted) { return (flags & wanted) == wanted; }
 
-// AVX instructions fault unless the operating system saves their registers, so XGETBV is asked as well.
+// AVX instructions fault unless the operating system saves their registers, so XGETBV counts as well.
 bool RunsVersion3(const ProcessorIdentity &processor) {
   return HasAll(processor.Features, kFeatures) && HasAll(processor.ExtendedFeatures, kExtendedFeatures) &&
          HasAll(processor.FurtherFeatures, kFurtherFeatures) && HasAll(processor.SavedRegisters, kVectorRegisters);
@@ -34,16 +34,17 @@ int FamilyOf(const ProcessorIdentity &processor) {
   return static_cast<int>(family == 0xFU ? family + ((processor.Version >> 20) & 0xFFU) : family);
 }
 
-// Intel has carried out PEXT in one step ever since it came with Haswell, AMD since Zen 3, which is family 0x19.
-// Before, from Excavator to Zen 2, it was microcode of a step for each bit, up to a hundred times as slow; Hygon's,
-// which are Zen 1, too. Of others nothing is known, and multiplying where PEXT would do costs little.
+// PEXT is a fast instruction on Intel processors since it was introduced with Haswell, and on AMD's since Zen 3, which
+// is family 0x19. From Excavator to Zen 2, and on Hygon's processors, which are Zen 1, it is microcode that takes a
+// step for each bit and is up to a hundred times slower. Nothing is known of others; multiplying instead of PEXT costs
+// little.
 bool HasQuickPext(const ProcessorIdentity &processor) {
-  constexpr int kFirstQuickAmdFamily = 0x19;
+  constexpr int firstQuickAmdFamily = 0x19;
   const std::string_view vendor(processor.Vendor, sizeof processor.Vendor);
-  return vendor == "GenuineIntel" || (vendor == "AuthenticAMD" && FamilyOf(processor) >= kFirstQuickAmdFamily);
+  return vendor == "GenuineIntel" || (vendor == "AuthenticAMD" && FamilyOf(processor) >= firstQuickAmdFamily);
 }
 
-// Must not be asked of a processor without kSystemSavesRegisters. The lower half tells all that is known.
+// Only for processors with kSystemSavesRegisters. All flags that matter are in the lower half.
 std::uint32_t ReadSavedRegisters() {
   std::uint32_t low = 0;
   std::uint32_t high = 0;

@@ -12,38 +12,33 @@ namespace zorvane {
 
 namespace {
 
-// Longest path that the file procedures take: the 4096 bytes of a file name,
-// and room for the folder in front of a relative one.
+// The longest path that the file procedures accept: the 4096 bytes of a file name, and room for the folder that makes a
+// relative one absolute.
 constexpr DWORD kPathCapacity = 8192;
 
-// Paths from this length on need the "\\?\" form; the system refuses them
-// otherwise.
+// The system refuses paths of this length or more unless they have the "\\?\" form.
 constexpr DWORD kLongPathCharacters = 248;
 
-HANDLE worker = nullptr;
-void (*workerBody)() = nullptr;
+HANDLE Worker = nullptr;
+void (*WorkerBody)() = nullptr;
 
 DWORD WINAPI RunWorkerBody(LPVOID /*unused*/) {
-  workerBody();
+  WorkerBody();
   return 0;
 }
 
-// Writes the path into `systemPath`, which holds kPathCapacity characters, in
-// a form that the system's wide calls take at any length. False when it is
-// empty, too long or no text of the process's code page.
+// Writes the path to systemPath, which holds kPathCapacity characters, in a form that the system's wide calls accept at
+// any length. False if it is empty, too long or not valid text in the code page of the process.
 bool BuildSystemPath(const char *path, wchar_t *systemPath) {
-  if (MultiByteToWideChar(CP_ACP, MB_ERR_INVALID_CHARS, path, -1, systemPath, kPathCapacity) == 0) {
+  if (MultiByteToWideChar(CP_ACP, MB_ERR_INVALID_CHARS, path, -1, systemPath, kPathCapacity) == 0)
     return false;
-  }
   wchar_t fullPath[kPathCapacity];
   const DWORD length = GetFullPathNameW(systemPath, kPathCapacity, fullPath, nullptr);
-  constexpr DWORD kLongestPrefix = 8; // of the forms below, with the terminator
-  if (length == 0 || length + kLongestPrefix >= kPathCapacity) {
+  constexpr DWORD longestPrefix = 8; // of the forms below, with the terminator
+  if (length == 0 || length + longestPrefix >= kPathCapacity)
     return false;
-  }
-  if (length < kLongPathCharacters) {
+  if (length < kLongPathCharacters)
     return true;
-  }
   if (std::wcsncmp(fullPath, L"\\\\?\\", 4) == 0 || std::wcsncmp(fullPath, L"\\\\.\\", 4) == 0) {
     std::wcscpy(systemPath, fullPath);
   } else if (std::wcsncmp(fullPath, L"\\\\", 2) == 0) {
@@ -65,13 +60,12 @@ bool IsStandardInputUsable() {
 
 void PrepareStandardStreams() {
   for (std::FILE *stream : {stdin, stdout, stderr}) {
-    // A stream without a handle behind it has a negative descriptor.
+    // A stream without a handle has a negative descriptor.
     const int descriptor = _fileno(stream);
-    if (descriptor >= 0) {
+    if (descriptor >= 0)
       _setmode(descriptor, _O_BINARY);
-    }
   }
-  // The C library here takes _IOLBF for full buffering, so that is what is asked for.
+  // This C library treats _IOLBF as full buffering, so the code says what happens.
   std::setvbuf(stdout, nullptr, _IOFBF, BUFSIZ);
 }
 
@@ -85,30 +79,31 @@ double PerformanceMilliseconds() {
   return static_cast<double>(counter.QuadPart) * 1000.0 / static_cast<double>(frequency.QuadPart);
 }
 
+bool HasThreads() { return true; }
+
 bool StartWorker(void (*body)()) {
-  workerBody = body;
-  worker = CreateThread(nullptr, kWorkerStackBytes, RunWorkerBody, nullptr, STACK_SIZE_PARAM_IS_A_RESERVATION, nullptr);
-  return worker != nullptr;
+  WorkerBody = body;
+  Worker = CreateThread(nullptr, kWorkerStackBytes, RunWorkerBody, nullptr, STACK_SIZE_PARAM_IS_A_RESERVATION, nullptr);
+  return Worker != nullptr;
 }
 
 void JoinWorker() {
-  WaitForSingleObject(worker, INFINITE);
-  CloseHandle(worker);
-  worker = nullptr;
+  WaitForSingleObject(Worker, INFINITE);
+  CloseHandle(Worker);
+  Worker = nullptr;
 }
 
 void SleepMilliseconds(int milliseconds) { Sleep(static_cast<DWORD>(milliseconds)); }
 
 namespace {
 
-// Opens what can be read as a file, INVALID_HANDLE_VALUE for anything else: a device or a pipe may hold the engine.
-HANDLE OpenFileHandle(const char *path) {
+// Opens a file on a disk; INVALID_HANDLE_VALUE for anything else: a device or pipe might block.
+HANDLE OpenDiskFile(const char *path, DWORD access, DWORD disposition, DWORD flags) {
   wchar_t systemPath[kPathCapacity];
-  if (!BuildSystemPath(path, systemPath)) {
+  if (!BuildSystemPath(path, systemPath))
     return INVALID_HANDLE_VALUE;
-  }
-  HANDLE file = CreateFileW(systemPath, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                            OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+  HANDLE file = CreateFileW(systemPath, access, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                            disposition, FILE_ATTRIBUTE_NORMAL | flags, nullptr);
   if (file != INVALID_HANDLE_VALUE && GetFileType(file) != FILE_TYPE_DISK) {
     CloseHandle(file);
     return INVALID_HANDLE_VALUE;
@@ -116,32 +111,47 @@ HANDLE OpenFileHandle(const char *path) {
   return file;
 }
 
-} // namespace
+HANDLE OpenDiskFileForReading(const char *path) { return OpenDiskFile(path, GENERIC_READ, OPEN_EXISTING, 0); }
 
-std::FILE *OpenForReading(const char *path) {
-  HANDLE handle = OpenFileHandle(path);
-  if (handle == INVALID_HANDLE_VALUE) {
+// True for a link to a file or folder, and if the system does not say.
+bool IsLink(HANDLE file) {
+  FILE_ATTRIBUTE_TAG_INFO information;
+  return GetFileInformationByHandleEx(file, FileAttributeTagInfo, &information, sizeof information) == 0 ||
+         ((information.FileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 &&
+          IsReparseTagNameSurrogate(information.ReparseTag));
+}
+
+// A stream for the handle; null for INVALID_HANDLE_VALUE.
+std::FILE *MakeStream(HANDLE handle, int flags, const char *mode) {
+  if (handle == INVALID_HANDLE_VALUE)
     return nullptr;
-  }
-  const int descriptor = _open_osfhandle(reinterpret_cast<intptr_t>(handle), _O_RDONLY | _O_BINARY);
+  const int descriptor = _open_osfhandle(reinterpret_cast<intptr_t>(handle), flags | _O_BINARY);
   if (descriptor < 0) {
     CloseHandle(handle);
     return nullptr;
   }
-  std::FILE *file = _fdopen(descriptor, "rb");
-  if (file == nullptr) {
+  std::FILE *file = _fdopen(descriptor, mode);
+  if (file == nullptr)
     _close(descriptor);
-  }
   return file;
 }
 
+} // namespace
+
+std::FILE *OpenForReading(const char *path) { return MakeStream(OpenDiskFileForReading(path), _O_RDONLY, "rb"); }
+
 std::FILE *OpenForWriting(const char *path) {
-  wchar_t systemPath[kPathCapacity];
-  return BuildSystemPath(path, systemPath) ? _wfopen(systemPath, L"wb") : nullptr;
+  // Opens a link itself instead of its target, and refuses it before anything is emptied.
+  HANDLE file = OpenDiskFile(path, GENERIC_WRITE, OPEN_ALWAYS, FILE_FLAG_OPEN_REPARSE_POINT);
+  if (file != INVALID_HANDLE_VALUE && (IsLink(file) || SetEndOfFile(file) == 0)) {
+    CloseHandle(file);
+    return nullptr;
+  }
+  return MakeStream(file, _O_WRONLY, "wb");
 }
 
 bool CanOpenForReading(const char *path) {
-  HANDLE file = OpenFileHandle(path);
+  HANDLE file = OpenDiskFileForReading(path);
   return file != INVALID_HANDLE_VALUE && CloseHandle(file) != 0;
 }
 

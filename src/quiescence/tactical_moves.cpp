@@ -2,14 +2,14 @@
 
 #include <cassert>
 
-#include "quiescence/check_squares.h"
-#include "quiescence/predicates.h"
+#include "board/check_squares.h"
+#include "quiescence/threats.h"
 
 namespace zorvane {
 
 namespace {
 
-template <Side Us> Bitboard Victims() { return Position.BySide[Opposite(Us)] & ~Pieces(kKing); }
+template <Side Us> Bitboard Victims() { return Board.BySide[Opposite(Us)] & ~Pieces(kKing); }
 
 // Captures on victims, without en passant, and pushes to pushSquares. Always inlined, as most arguments are constants
 // where it is called.
@@ -27,7 +27,7 @@ template <Side Us>
 void KeepRecapturesAndChecks(MoveSets &moves, Bitboard recaptures, const CheckSquares &checks) {
   for (Bitboard froms = moves.Froms; froms != 0;) {
     const int from = PopLsb(froms);
-    RestrictTargets(moves, from, recaptures | CheckingTargetsOf(checks, from, TypeOf(PieceOn(from))));
+    RestrictTargets(moves, from, recaptures | CheckingTargets(checks, from, TypeOf(PieceOn(from))));
   }
 }
 
@@ -44,30 +44,30 @@ void AddDiscoveries(MoveSets &moves, const CheckInfo &info, const CheckSquares &
     const PieceType type = TypeOf(PieceOn(from));
     Bitboard targets = all.Targets[from] & (type == kPawn ? wantedOfPawns : wanted);
     if (type == kKing) // castling has rules of its own
-      targets &= KingAttacks[from];
+      targets &= kKingAttacks[from];
     AddTargets(moves, from, targets & ~LineThrough[checks.EnemyKing][from]);
   }
 }
 
 // En-passant captures that give check, tried when the pawn gives it or uncovers it.
-template <Side Us> void AddEnPassantChecks(MoveSets &moves, const CheckSquares &checks, int ply) {
-  const int to = Position.EnPassantSquare;
+template <Side Us> void AddEnPassantChecks(MoveSets &moves, const CheckSquares &checks) {
+  const int to = Board.EnPassantSquare;
   for (Bitboard pawns = EnPassantCapturers<Us>(); pawns != 0;) {
     const int from = PopLsb(pawns);
     const bool mayCheck = Contains(checks.From[kPawn], to) || Contains(checks.Discoverers, from);
-    if (mayCheck && MoveGivesCheck(ply, from, to))
+    if (mayCheck && MoveGivesCheck(from, to))
       AddTargets(moves, from, Bit(to));
   }
 }
 
 // Castling that gives check, tried when the king uncovers a line; a check by the rook alone is not looked for.
-template <Side Us> void AddCastlingChecks(MoveSets &moves, const CheckInfo &info, const CheckSquares &checks, int ply) {
+template <Side Us> void AddCastlingChecks(MoveSets &moves, const CheckInfo &info, const CheckSquares &checks) {
   if (!Contains(checks.Discoverers, info.King))
     return;
   const Bitboard steps = KingSteps<Us>(info.King, kAllSquares);
   for (Bitboard targets = CastlingTargets<Us>(info, steps); targets != 0;) {
     const int to = PopLsb(targets);
-    if (MoveGivesCheck(ply, info.King, to))
+    if (MoveGivesCheck(info.King, to))
       AddTargets(moves, info.King, Bit(to));
   }
 }
@@ -76,16 +76,17 @@ template <Side Us> void AddCastlingChecks(MoveSets &moves, const CheckInfo &info
 
 template <Side Us> void GenerateCaptureZone(MoveSets &moves, const CheckInfo &info, bool withForkPushes) {
   assert(info.Checkers == 0);
-  GenerateCapturesAndPushes<Us>(moves, info, Victims<Us>(), kLastRows | (withForkPushes ? PawnForkSquares<Us>() : 0));
+  GenerateCapturesAndPushes<Us>(moves, info, Victims<Us>(),
+                                kPromotionRows | (withForkPushes ? PawnForkSquares<Us>() : 0));
   for (Bitboard pawns = EnPassantCapturers<Us>(); pawns != 0;)
     AddTargets(moves, PopLsb(pawns), EnPassantSet());
 }
 
-template <Side Us> void AddBishopManoeuvres(MoveSets &moves, const CheckInfo &info, int target, int ply) {
+template <Side Us> void AddBishopManoeuvres(MoveSets &moves, const CheckInfo &info, int target) {
   assert(info.Checkers == 0);
   const Bitboard diagonals = BishopAttacks(target, 0) & ~Occupied();
   const Bitboard pinned = PinnedPieces<Us>(info);
-  SaveState(ply);
+  const BoardState saved = Board;
   for (Bitboard bishops = Pieces(Us, kBishop); bishops != 0;) {
     const int from = PopLsb(bishops);
     const Bitboard reach = BishopAttacks(from, Occupied());
@@ -93,9 +94,9 @@ template <Side Us> void AddBishopManoeuvres(MoveSets &moves, const CheckInfo &in
       continue;
     for (Bitboard targets = reach & diagonals & PinLine(info, pinned, from); targets != 0;) {
       const int to = PopLsb(targets);
-      MakeMoveOf<Us>(from, to);
+      MakeMove<Us>(from, to);
       const bool counts = IsLegalMove(to, target);
-      RestoreState(ply);
+      RestoreState(saved);
       if (counts)
         AddTargets(moves, from, Bit(to));
     }
@@ -112,7 +113,7 @@ void GenerateRecaptures(MoveSets &moves, const CheckInfo &info, Bitboard ownBefo
     KeepRecapturesAndChecks(moves, recaptures, FindCheckSquares<Us>());
 }
 
-template <Side Us> void GenerateQuietChecks(MoveSets &moves, const CheckInfo &info, bool behindCaptureZone, int ply) {
+template <Side Us> void GenerateQuietChecks(MoveSets &moves, const CheckInfo &info, bool afterCaptureZone) {
   const Bitboard empty = ~Occupied();
   const CheckSquares checks = FindCheckSquares<Us>();
   const auto from = [&](PieceType type) { return empty & checks.From[type]; };
@@ -121,19 +122,19 @@ template <Side Us> void GenerateQuietChecks(MoveSets &moves, const CheckInfo &in
       moves, {.Rook = from(kRook), .Knight = from(kKnight), .Bishop = from(kBishop), .Queen = from(kQueen)});
   GeneratePawnMoves<Us>(moves, 0, from(kPawn));
   RestrictPinned<Us>(moves, info);
-  AddDiscoveries<Us>(moves, info, checks, empty, empty & ~EnPassantSet() & ~(behindCaptureZone ? kLastRows : 0));
-  AddCastlingChecks<Us>(moves, info, checks, ply);
-  if (!behindCaptureZone)
-    AddEnPassantChecks<Us>(moves, checks, ply);
+  AddDiscoveries<Us>(moves, info, checks, empty, empty & ~EnPassantSet() & ~(afterCaptureZone ? kPromotionRows : 0));
+  AddCastlingChecks<Us>(moves, info, checks);
+  if (!afterCaptureZone)
+    AddEnPassantChecks<Us>(moves, checks);
 }
 
 template void GenerateCaptureZone<kWhite>(MoveSets &moves, const CheckInfo &info, bool withForkPushes);
 template void GenerateCaptureZone<kBlack>(MoveSets &moves, const CheckInfo &info, bool withForkPushes);
-template void AddBishopManoeuvres<kWhite>(MoveSets &moves, const CheckInfo &info, int target, int ply);
-template void AddBishopManoeuvres<kBlack>(MoveSets &moves, const CheckInfo &info, int target, int ply);
+template void AddBishopManoeuvres<kWhite>(MoveSets &moves, const CheckInfo &info, int target);
+template void AddBishopManoeuvres<kBlack>(MoveSets &moves, const CheckInfo &info, int target);
 template void GenerateRecaptures<kWhite>(MoveSets &moves, const CheckInfo &info, Bitboard ownBefore, bool withChecks);
 template void GenerateRecaptures<kBlack>(MoveSets &moves, const CheckInfo &info, Bitboard ownBefore, bool withChecks);
-template void GenerateQuietChecks<kWhite>(MoveSets &moves, const CheckInfo &info, bool behindCaptureZone, int ply);
-template void GenerateQuietChecks<kBlack>(MoveSets &moves, const CheckInfo &info, bool behindCaptureZone, int ply);
+template void GenerateQuietChecks<kWhite>(MoveSets &moves, const CheckInfo &info, bool afterCaptureZone);
+template void GenerateQuietChecks<kBlack>(MoveSets &moves, const CheckInfo &info, bool afterCaptureZone);
 
 } // namespace zorvane

@@ -2,65 +2,75 @@
 
 #include <cassert>
 
-#include "board/array.h"
+#include "board/position_key.h"
 #include "board/rules.h"
 
 namespace zorvane {
 
-Array<PvEntry, kFinalPvLength> FinalPv;
-
 namespace {
 
-// The root and the levels write a row each; the row behind the last level is read, and always empty.
-constexpr int kPvRows = kSearchPlies + 1;
+// The root and the levels write one row each; the row after the last level is read and always empty.
+constexpr int kLineRows = kSearchPlies + 1;
 
-// Row p is the line seen from ply p: its entry i is the move at ply p + i.
-struct PvRow {
-  int Length;
-  Array<PvEntry, kPvRows> Entries;
+// An entry and the position before its move.
+struct KeyedEntry {
+  PositionKey Key;
+  LineEntry Entry;
 };
 
-Array<PvRow, kPvRows> PvTable;
+// Row p is the line seen from ply p: its entry i is the move at ply p + i.
+struct LineRow {
+  int Length;
+  Array<KeyedEntry, kLineRows> Entries;
+};
+
+Array<LineRow, kLineRows> Lines;
+Array<KeyedEntry, kBestLineLength> Kept;
 
 } // namespace
 
-void PvClearFrom(int ply) { PvTable[ply].Length = 0; }
+void ClearLine(int ply) { Lines[ply].Length = 0; }
 
-void PvStore(int ply, Side side, int from, int to) {
-  assert(ply >= 0 && ply < kSearchPlies && IsLegalMoveOf(side, PackMove(from, to)));
-  PvRow &row = PvTable[ply];
-  const PvRow &next = PvTable[ply + 1];
-  row.Entries[0] = {BuildPositionKey(side), PackMove(from, to), PieceOn(from), true};
+void StoreLine(Side side, int ply, int from, int to) {
+  assert(ply >= 0 && ply < kSearchPlies && IsLegalMoveFor(side, PackMove(from, to)));
+  LineRow &row = Lines[ply];
+  const LineRow &next = Lines[ply + 1];
+  row.Entries[0] = {BuildPositionKey(side), {PackMove(from, to), PieceOn(from), true}};
   for (int i = 0; i < next.Length; ++i)
     row.Entries[i + 1] = next.Entries[i];
   row.Length = next.Length + 1;
 }
 
-PackedMove PvBestMove(int ply) {
-  assert(PvTable[ply].Length > 0);
-  return PvTable[ply].Entries[0].Move;
+PackedMove FirstOfLine(int ply) {
+  assert(Lines[ply].Length > 0);
+  return Lines[ply].Entries[0].Entry.Move;
 }
 
-void FinalPvClear() {
-  for (PvEntry &entry : FinalPv) {
-    entry.Key = {};
-    entry.Mover = kNoPiece;
-    entry.Valid = false;
+void ForgetKeptLine() { Kept = {}; }
+
+void KeepLine() {
+  for (KeyedEntry &kept : Kept) {
+    kept.Entry.Mover = kNoPiece;
+    kept.Entry.Valid = false;
   }
-}
-
-void FinalPvCopy() {
-  const PvRow &root = PvTable[0];
+  const LineRow &root = Lines[0];
   for (int i = 0; i < root.Length; ++i)
-    FinalPv[i] = root.Entries[i];
+    Kept[i] = root.Entries[i];
 }
 
-PackedMove PvMoveAtPly(int ply, Side side) {
-  const PvEntry &entry = FinalPv[ply];
-  if (!entry.Valid || !(entry.Key == BuildPositionKey(side)))
+BestLine KeptLine() {
+  BestLine line;
+  for (int ply = 0; ply < kBestLineLength; ++ply)
+    line[ply] = Kept[ply].Entry;
+  return line;
+}
+
+PackedMove KeptMove(Side side, int ply) {
+  const KeyedEntry &kept = Kept[ply];
+  if (!kept.Entry.Valid || !(kept.Key == BuildPositionKey(side)))
     return kNoMove;
-  assert(IsLegalMoveOf(side, entry.Move));
-  return entry.Move;
+  assert(IsLegalMoveFor(side, kept.Entry.Move));
+  return kept.Entry.Move;
 }
 
 } // namespace zorvane

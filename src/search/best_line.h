@@ -1,40 +1,42 @@
-// The triangular table of the running iteration's best line, and the line of the last finished iteration.
+// The best line: the triangular table of the running iteration, and the line of the last finished one.
 #pragma once
 
-#include "board/array.h"
+#include "base/array.h"
 #include "board/plies.h"
-#include "board/position_key.h"
+#include "board/types.h"
 
 namespace zorvane {
 
-// An entry that is not valid still shows hosts the coordinates of the move that it last held.
-struct PvEntry {
-  PositionKey Key; // the position before the move, with the side to move there
+// An entry that is not valid keeps the move that it last had in this search: hosts see its coordinates.
+struct LineEntry {
   PackedMove Move;
-  Piece Mover; // kNoPiece when not valid
+  Piece Mover; // kNoPiece when the line has ended
   bool Valid;  // the entry belongs to the line
 };
 
-// The line of the last finished iteration, by ply. A response has a row for each of its twelve entries.
-extern Array<PvEntry, kFinalPvLength> FinalPv;
+// By ply. A response has a row for each of its twelve entries.
+using BestLine = Array<LineEntry, kBestLineLength>;
 
 // Empties the line of a ply, 0 to kSearchPlies.
-void PvClearFrom(int ply);
+void ClearLine(int ply);
 
-// Sets the line of ply, 0 to 7: this move and then the line of the next ply. Comes before the move is made, or after it
-// was taken back.
-void PvStore(int ply, Side side, int from, int to);
+// Sets the line of ply, 0 to 7, to this move followed by the line of the next ply. Call it before the move is made or
+// after it has been taken back.
+void StoreLine(Side side, int ply, int from, int to);
 
 // The first move of the ply's line, which must not be empty.
-PackedMove PvBestMove(int ply);
+PackedMove FirstOfLine(int ply);
 
-// Empties the final line; the moves in its entries stay.
-void FinalPvClear();
+// Forgets the line of the last search.
+void ForgetKeptLine();
 
-// Copies the root's line to the final one. Comes after FinalPvClear.
-void FinalPvCopy();
+// Keeps the root's line, at the end of an iteration.
+void KeepLine();
 
-// The move of FinalPv at ply, 1 to 7, when the search stands in that very position with side to move, else kNoMove.
-PackedMove PvMoveAtPly(int ply, Side side);
+// The line of the last finished iteration.
+BestLine KeptLine();
+
+// The kept line's move at ply, 1 to 7, if the search is in exactly that position with side to move, else kNoMove.
+PackedMove KeptMove(Side side, int ply);
 
 } // namespace zorvane

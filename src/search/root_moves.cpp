@@ -4,15 +4,15 @@
 
 #include "board/legal_moves.h"
 #include "evaluation/score.h"
-#include "quiescence/move_lists.h"
-#include "search/search_state.h"
+#include "search/move_lists.h"
+#include "tree/node_count.h"
 
 namespace zorvane {
 
 namespace {
 
-// Below quiet checks come the quiet moves that the last pass scored, over the whole range of scores, and below these
-// the others.
+// Below quiet checks come quiet moves that the last pass scored, with room for the whole range of scores, and then the
+// others.
 constexpr int kSeenQuietOrder = kQuietCheckScore - kInfinity - 1; // plus the last pass's score
 constexpr int kUnseenQuietOrder = kSeenQuietOrder - kInfinity - 1;
 
@@ -23,7 +23,7 @@ RootList PreviousRootResults; // of the last finished pass
 int RootOrderScore(int from, int to) {
   if (IsCaptureMove(from, to))
     return MoveOrderScore(from, to);
-  if (MoveGivesCheck(0, from, to))
+  if (MoveGivesCheck(from, to))
     return kQuietCheckScore;
   const PackedMove move = PackMove(from, to);
   for (int i = 0; i < PreviousRootResults.Count; ++i) {

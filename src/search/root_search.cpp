@@ -6,24 +6,25 @@
 #include "search/best_line.h"
 #include "search/root_moves.h"
 #include "search/search_levels.h"
-#include "search/search_state.h"
-#include "search/stop_control.h"
-#include "search/transposition_table.h"
+#include "tree/node_count.h"
+#include "tree/stop_control.h"
+#include "tree/transposition_table.h"
 
 namespace zorvane {
 
 namespace {
 
 constexpr int kRepeatPenalty = 60;    // centipawns
-constexpr int kRepeatThreshold = 200; // centipawns; from this score on repeating is penalised
+constexpr int kRepeatThreshold = 200; // centipawns; repeating is penalised from this score on
 
-constexpr int kTieSearches = 2; // second searches for hints in a pass
+constexpr int kTieSearches = 2; // second searches in a pass because of hints
 
 RootList RootMoveList;
 
 // The state of one pass.
 struct RootPass {
-  HintMode Hints;
+  int Depth;
+  RootHints Hints;
   int StaticScore; // from the root side's view
   RootChoice &Best;
   HintValues BestHint;
@@ -32,7 +33,7 @@ struct RootPass {
 
 bool IsBetter(int score, int best) { return RootSide() == kWhite ? score > best : score < best; }
 
-// Draws a clearly good score towards equality when the move on the board repeats a position of the game.
+// Moves a clearly good score towards equality if the move on the board repeats a position of the game.
 int ApplyRepeatPenalty(const RootPass &pass, int score) {
   if (IsMateScore(score) || pass.StaticScore < kRepeatThreshold || CountRepetitions(Opposite(RootSide()), 1, 1) == 0)
     return score;
@@ -45,36 +46,34 @@ int ApplyRepeatPenalty(const RootPass &pass, int score) {
 int SearchChild(const RootPass &pass, PackedMove move, int alpha, int beta) {
   SaveState(0);
   MakeMove(FromOf(move), ToOf(move));
-  const int score = ApplyRepeatPenalty(pass, SearchLevels(Opposite(RootSide()), alpha, beta));
+  const int score = ApplyRepeatPenalty(pass, SearchLevels(Opposite(RootSide()), pass.Depth, alpha, beta));
   RestoreState(0);
   return score;
 }
 
-// Whether a move with the best score replaces the best by its hint. The score may be a bound that only looks equal, so
-// the move is searched again, with the full window, and must keep it; score becomes that of the second search in any
-// case. Sets reason when the tie is won. False also when it was stopped.
-bool WinsTie(RootPass &pass, const HintValues &hint, PackedMove move, int &score, MoveReason &reason) {
-  if (pass.Hints == HintMode::kNone || score != pass.Best.Score || !(hint.Bonus > pass.BestHint.Bonus) ||
-      pass.TieSearches >= kTieSearches)
-    return false;
-  score = SearchChild(pass, move, -kInfinity, kInfinity);
-  if (ShouldStop())
-    return false;
-  ++pass.TieSearches;
-  if (score != pass.Best.Score)
-    return false;
-  const bool better = pass.BestHint.Bonus - pass.BestHint.Penalty < hint.Bonus - hint.Penalty;
-  reason = pass.Hints == HintMode::kEndgame ? MoveReason::kEndgameHint
-           : better                         ? MoveReason::kBetterOpeningHint
-                                            : MoveReason::kOpeningHint;
-  return true;
+HintValues HintFor(const RootPass &pass, PackedMove move) {
+  if (pass.Hints.Mode == HintMode::kNone)
+    return {0, 0};
+  return FindHint(*pass.Hints.List, pass.Hints.Mode, PieceOn(FromOf(move)), FromOf(move), ToOf(move));
 }
 
-// Searches one root move and records it. One that improves on the best is searched again with the full window, which
-// also fills table, killers and history: the second search is part of the tree. False when it was stopped.
+// True if a move whose score equals the best may replace it because of its hint.
+bool MayWinTie(const RootPass &pass, const HintValues &hint, int score) {
+  return pass.Hints.Mode != HintMode::kNone && score == pass.Best.Score && hint.Bonus > pass.BestHint.Bonus &&
+         pass.TieSearches < kTieSearches;
+}
+
+// The reason to report for a move that has won a tie.
+MoveReason TieReason(const RootPass &pass, const HintValues &hint) {
+  if (pass.Hints.Mode == HintMode::kEndgame)
+    return MoveReason::kEndgameHint;
+  return pass.BestHint.Bonus - pass.BestHint.Penalty < hint.Bonus - hint.Penalty ? MoveReason::kBetterOpeningHint
+                                                                                 : MoveReason::kOpeningHint;
+}
+
+// Searches one root move and records it. A move that improves on the best is searched again with the full window, which
+// also updates table, killers and history: the second search is part of the tree. False if the search was stopped.
 bool TryRootMove(RootPass &pass, PackedMove move) {
-  const int from = FromOf(move);
-  const int to = ToOf(move);
   CountNode();
   int score = RootSide() == kWhite ? SearchChild(pass, move, pass.Best.Score, kInfinity)
                                    : SearchChild(pass, move, -kInfinity, pass.Best.Score);
@@ -85,21 +84,28 @@ bool TryRootMove(RootPass &pass, PackedMove move) {
     if (ShouldStop())
       return false;
   }
-  const HintValues hint = FindHint(pass.Hints, PieceOn(from), from, to);
+  const HintValues hint = HintFor(pass, move);
+  bool isBest = IsBetter(score, pass.Best.Score);
   MoveReason reason = MoveReason::kScore;
-  const bool isBest = IsBetter(score, pass.Best.Score) || WinsTie(pass, hint, move, score, reason);
-  if (SearchAborted)
-    return false;
+  if (!isBest && MayWinTie(pass, hint, score)) {
+    // The score may be a bound that only seems equal, so it must still be equal when searched with the full window.
+    score = SearchChild(pass, move, -kInfinity, kInfinity);
+    if (ShouldStop())
+      return false;
+    ++pass.TieSearches;
+    isBest = score == pass.Best.Score;
+    reason = TieReason(pass, hint);
+  }
   AddRootResult(move, score);
   if (isBest) {
     pass.Best = {move, score, reason};
     pass.BestHint = hint;
-    PvStore(0, RootSide(), from, to);
+    StoreLine(RootSide(), 0, FromOf(move), ToOf(move));
   }
   return true;
 }
 
-// Tries the first move and then the list. False when the pass was stopped.
+// Tries the first move and then the list. False if the pass was stopped.
 bool TryRootMoves(RootPass &pass, PackedMove firstMove) {
   if (firstMove != kNoMove && (ShouldStop() || !TryRootMove(pass, firstMove)))
     return false;
@@ -115,21 +121,21 @@ bool TryRootMoves(RootPass &pass, PackedMove firstMove) {
 
 } // namespace
 
-bool SearchRoot(PackedMove firstMove, HintMode hints, RootChoice &best) {
+bool SearchRoot(int depth, PackedMove firstMove, const RootHints &hints, RootChoice &best) {
   best = {kNoMove, RootSide() == kWhite ? -kInfinity : kInfinity, MoveReason::kScore};
   BeginRootResults();
-  PvClearFrom(0);
+  ClearLine(0);
   if (ShouldStop())
     return false;
 
   DisplaceOtherPosition();
   const int staticScore = RootSide() == kWhite ? Evaluate() : -Evaluate();
-  const PackedMove remembered = ProbeTransposition(0, RootSide());
+  const PackedMove remembered = ProbeTransposition(RootSide(), 0);
   BuildRootMoveList(RootMoveList);
   if (ShouldStop())
     return false;
 
-  RootPass pass{hints, staticScore, best, {}, 0};
+  RootPass pass{depth, hints, staticScore, best, {}, 0};
   if (!TryRootMoves(pass, firstMove == kNoMove ? remembered : firstMove))
     return false;
   if (best.Move != kNoMove)

@@ -2,31 +2,29 @@
 
 #include <cassert>
 
+#include "base/program_clock.h"
 #include "board/legal_moves.h"
-#include "board/move_text.h"
 #include "evaluation/evaluate.h"
 #include "evaluation/pawn_structure.h"
-#include "quiescence/killers_history.h"
-#include "search/best_line.h"
+#include "search/killers_history.h"
 #include "search/root_moves.h"
-#include "search/search_state.h"
-#include "search/stop_control.h"
-#include "search/transposition_table.h"
+#include "tree/node_count.h"
+#include "tree/stop_control.h"
+#include "tree/transposition_table.h"
 
 namespace zorvane {
 
 namespace {
 
-SearchResult LastResult;
-
-// Clears what lives for one search. The table outlives it, and the pawn cache, which never changes a value.
+// Clears what lasts for one search only. The table outlives it, and so does the pawn cache, which changes no score.
 void ClearSearchMemory() {
+  ResetNodes();
   ClearRootResults();
-  FinalPvClear();
+  ForgetKeptLine();
   ClearHistory();
 }
 
-// The first legal move in scan order with the static evaluation: the answer when nothing was searched.
+// The first legal move in scan order with the static evaluation: the answer if nothing is searched.
 RootChoice DefaultChoice(const MoveSets &moves) {
   const int from = Lsb(moves.Froms);
   const int to = Lsb(moves.Targets[from]);
@@ -34,56 +32,56 @@ RootChoice DefaultChoice(const MoveSets &moves) {
   return {PackMove(from, to), Evaluate(), MoveReason::kScore};
 }
 
-// The answer of a position without a legal move. Not left to SearchRoot, which answers nothing when it is stopped.
+// The answer for a position without a legal move.
 RootChoice ChoiceWithoutMoves() {
+  // A pass would evaluate the root before it finds no moves, and evaluating displaces a move from the table.
+  if (!ShouldStop())
+    DisplaceOtherPosition();
   return {kNoMove, IsInCheck(RootSide()) ? MatedScore(RootSide(), 0) : 0, MoveReason::kScore};
 }
 
-// Deepens until a limit, a stop or a mate. best holds the default answer and takes that of each finished iteration, or
-// the best found so far when the first one is cut off.
-void Iterate(int maxDepth, HintMode hints, RootChoice &best, SearchResult &result) {
+RootHints ChooseHints(const SearchOptions &options) {
+  if (options.Hints == nullptr)
+    return {HintMode::kNone, nullptr};
+  return {ChooseHintMode(options.UseEndgameHints), options.Hints};
+}
+
+// Deepens until a limit, a stop or a mate. best holds the default answer and is replaced by that of each finished
+// iteration, or by the best move so far if the first one is stopped. Returns the depth of the last finished iteration,
+// 0 for none.
+int Iterate(int maxDepth, const RootHints &hints, RootChoice &best) {
   PackedMove previousBestMove = kNoMove;
-  for (int depth = 1; depth <= maxDepth && !ShouldStop(); ++depth) {
-    BeginIteration(depth);
+  int completed = 0;
+  while (completed < maxDepth && !ShouldStop()) {
+    const int depth = completed + 1;
     ClearKillers();
     RootChoice found;
-    const bool finished = SearchRoot(previousBestMove, hints, found);
-    result.Nodes += Nodes;
+    const bool finished = SearchRoot(depth, previousBestMove, hints, found);
     if (finished || (depth == 1 && found.Move != kNoMove))
       best = found;
     if (!finished)
-      return;
-    result.CompletedDepth = depth;
+      break;
+    completed = depth;
     KeepRootResults();
-    FinalPvClear();
-    FinalPvCopy();
+    KeepLine();
     if (IsMateScore(best.Score))
-      return;
+      break;
     previousBestMove = best.Move;
   }
-}
-
-void Publish(SearchResult &result, const RootChoice &best) {
-  result.BestMove = best.Move;
-  result.BestScore = best.Score;
-  result.BestMoveReason = best.Reason;
-  if (best.Move != kNoMove)
-    MoveText(result.BestMoveText, PieceOn(FromOf(best.Move)), FromOf(best.Move), ToOf(best.Move));
-  else
-    BoundedStringFromText(result.BestMoveText, "---");
+  return completed;
 }
 
 } // namespace
 
-void RunSearch(const SearchLimits &limits, const SearchOptions &options) {
+SearchResult RunSearch(const SearchLimits &limits, const SearchOptions &options) {
   assert(limits.MaxDepth >= 1 && limits.MaxDepth <= kDepthLimit && PositionIsOk());
   EnableTranspositionMoves(options.UseTranspositionMoves);
   EnablePawnCache(options.PawnCacheEnabled);
-  const HintMode hints = ChooseHintMode(options.UseHints, options.UseEndgameHints);
   ResetStopControl();
   ClearSearchMemory();
   const double start = ProgramClock();
   SearchResult result{};
+  result.RootSide = RootSide();
 
   MoveSets moves;
   GenerateLegalMoves(moves, RootSide());
@@ -91,20 +89,20 @@ void RunSearch(const SearchLimits &limits, const SearchOptions &options) {
   RootChoice best;
   if (result.LegalMoveCount == 0) {
     best = ChoiceWithoutMoves();
-    RootChoice none;
-    BeginIteration(1);
-    SearchRoot(kNoMove, hints, none); // evaluating the root displaces a slot of the table
   } else {
     best = DefaultChoice(moves);
-    ArmDeadline(start + limits.TimeLimitSeconds * 1000.0);
-    Iterate(limits.MaxDepth, hints, best, result);
+    ArmDeadline(start + limits.TimeMs);
+    result.CompletedDepth = Iterate(limits.MaxDepth, ChooseHints(options), best);
     DisarmDeadline();
+    result.BestMover = PieceOn(FromOf(best.Move));
   }
-  Publish(result, best);
+  result.BestMove = best.Move;
+  result.BestScore = best.Score;
+  result.BestMoveReason = best.Reason;
+  result.Nodes = Nodes;
+  result.Line = KeptLine();
   result.ElapsedMs = ProgramClock() - start;
-  LastResult = result;
+  return result;
 }
-
-const SearchResult &Result() { return LastResult; }
 
 } // namespace zorvane

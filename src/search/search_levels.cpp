@@ -3,15 +3,15 @@
 #include <algorithm>
 #include <cassert>
 
-#include "board/array.h"
+#include "base/array.h"
 #include "board/draw_rules.h"
-#include "quiescence/killers_history.h"
-#include "quiescence/move_lists.h"
 #include "quiescence/quiescence_search.h"
 #include "search/best_line.h"
-#include "search/search_state.h"
-#include "search/stop_control.h"
-#include "search/transposition_table.h"
+#include "search/killers_history.h"
+#include "search/move_lists.h"
+#include "tree/node_count.h"
+#include "tree/stop_control.h"
+#include "tree/transposition_table.h"
 
 namespace zorvane {
 
@@ -19,13 +19,14 @@ namespace {
 
 constexpr int kFirstLevel = 1;
 
-// In this iteration the levels neither ask nor change the table: their first moves come from the last best line alone.
-// It is so by definition of the tree; the root and evaluations use the table as ever.
+// In this iteration the levels neither read nor change the table: their first moves come from the last best line alone.
+// It gains nothing and is part of the fixed tree. The root and evaluations use the table as always.
 constexpr int kIterationWithoutTable = 3;
 
 // The locals of a node.
 struct LevelNode {
   int Ply;
+  int Depth; // of the iteration
   int Alpha;
   int Beta;
   ScoreRange Range; // what the callers can tell apart of the node's score
@@ -34,28 +35,26 @@ struct LevelNode {
   PackedMove FirstMove; // kNoMove for none
 };
 
-enum class Outcome { kGoOn, kFinished };
+template <Side Us> int SearchLevel(int ply, int depth, int alpha, int beta, ScoreRange range);
 
-template <Side Us> int SearchLevel(int ply, int alpha, int beta, ScoreRange range);
+bool IsTableInUse(int depth) { return depth != kIterationWithoutTable; }
 
-bool IsTableInUse() { return CurrentDepth != kIterationWithoutTable; }
-
-void StoreBestMove(int ply) {
-  if (IsTableInUse())
-    StoreTransposition(ply, PvBestMove(ply));
+void StoreBestMove(const LevelNode &node) {
+  if (IsTableInUse(node.Depth))
+    StoreTransposition(node.Ply, FirstOfLine(node.Ply));
 }
 
-// The move to try first: that of the last iteration's best line, else the table's. The table is probed in either case,
-// as that prepares the node's store.
-PackedMove ProbeHashMove(int ply, Side side) {
-  const PackedMove remembered = IsTableInUse() ? ProbeTransposition(ply, side) : kNoMove;
-  const PackedMove onLine = PvMoveAtPly(ply, side);
+// The move to try first: that of the last iteration's best line, or else the table's. The table is probed in any case,
+// since that prepares the node's store.
+PackedMove ChooseFirstMove(Side side, int ply, int depth) {
+  const PackedMove remembered = IsTableInUse(depth) ? ProbeTransposition(side, ply) : kNoMove;
+  const PackedMove onLine = KeptMove(side, ply);
   return onLine != kNoMove ? onLine : remembered;
 }
 
-// For White: a child's score at or below the best so far leaves no trace, so Best is the floor. It is not raised to the
-// node's own floor: the callers cannot tell scores below that apart, but such scores choose this node's best line and
-// its move for the table. From the node's ceiling on, any score cuts at once. For Black the other way round.
+// For White: a child's score at or below the best so far has no effect, so Best is the floor. It is not raised to the
+// node's own floor: callers cannot tell scores below that apart, but such scores choose this node's best line and its
+// move for the table. Any score at or above the node's ceiling cuts at once. For Black it is the other way round.
 template <Side Us> ScoreRange ChildRange(const LevelNode &node) {
   if constexpr (Us == kWhite)
     return {node.Best, node.Range.Ceiling};
@@ -63,22 +62,22 @@ template <Side Us> ScoreRange ChildRange(const LevelNode &node) {
     return {node.Range.Floor, node.Best};
 }
 
-// Searches one legal move and takes its score in. Finished when the node is cut or the search stopped.
-template <Side Us> Outcome SearchMove(LevelNode &node, PackedMove move) {
+// Searches one legal move and updates the node with its score; true if the node is cut or the search stopped.
+template <Side Us> bool SearchMove(LevelNode &node, PackedMove move) {
   const int from = FromOf(move);
   const int to = ToOf(move);
 
   // Make the move, search, take it back.
   CountNode();
-  MakeMoveOf<Us>(from, to);
-  const int score = SearchLevel<Opposite(Us)>(node.Ply + 1, node.Alpha, node.Beta, ChildRange<Us>(node));
+  MakeMove<Us>(from, to);
+  const int score = SearchLevel<Opposite(Us)>(node.Ply + 1, node.Depth, node.Alpha, node.Beta, ChildRange<Us>(node));
   RestoreState(node.Ply);
   if (SearchAborted)
-    return Outcome::kFinished;
+    return true;
 
   // A better score makes the best line and moves the window.
   if (Us == kWhite ? score > node.Best : score < node.Best) {
-    PvStore(node.Ply, Us, from, to);
+    StoreLine(Us, node.Ply, from, to);
     node.Best = score;
   }
   if constexpr (Us == kWhite)
@@ -87,56 +86,57 @@ template <Side Us> Outcome SearchMove(LevelNode &node, PackedMove move) {
     node.Beta = std::min(node.Beta, node.Best);
   node.Searched = true;
   if (node.Alpha < node.Beta)
-    return Outcome::kGoOn;
+    return false;
 
   // A cut: quiet moves that caused one are tried earlier elsewhere.
   if (!IsCaptureMove(from, to)) {
     StoreKiller(node.Ply, move);
     AddHistory(Us, node.Ply, move);
   }
-  StoreBestMove(node.Ply);
-  return Outcome::kFinished;
+  StoreBestMove(node);
+  return true;
 }
 
-// A killer comes from another position: it has its turn when it is legal here and not among the captures and checks.
+// A killer comes from another position: it is tried if it is legal here and not among the captures and checks.
 template <Side Us> bool IsKillerToTry(const LevelNode &node, PackedMove killer) {
   return killer != kNoMove && killer != node.FirstMove && !IsInCaptureList(node.Ply, killer) &&
-         IsLegalMoveOf(Us, killer);
+         IsLegalMoveFor(Us, killer);
 }
 
-// Walks the stages: first move, captures and quiet checks, killers, other quiet moves.
-template <Side Us> Outcome SearchMoves(LevelNode &node) {
-  const auto search = [&node](PackedMove move) { return SearchMove<Us>(node, move) == Outcome::kFinished; };
+// Tries the moves in stages: first move, captures and quiet checks, killers, other quiet moves. True if the node is cut
+// or the search stopped.
+template <Side Us> bool SearchMoves(LevelNode &node) {
+  const auto search = [&node](PackedMove move) { return SearchMove<Us>(node, move); };
   const LevelMoveList &captures = CaptureList[node.Ply];
   LevelMoveList &quiets = QuietList[node.Ply];
   const Array<PackedMove, 2> &killers = KillerTable[node.Ply];
 
   if (node.FirstMove != kNoMove && search(node.FirstMove))
-    return Outcome::kFinished;
+    return true;
   for (int i = 0; i < captures.Count; ++i) {
     const PackedMove move = captures.Moves[i].Move;
     if (move != node.FirstMove && search(move))
-      return Outcome::kFinished;
+      return true;
   }
   for (const PackedMove killer : killers)
     if (IsKillerToTry<Us>(node, killer) && search(killer))
-      return Outcome::kFinished;
+      return true;
   for (int i = 0; i < quiets.Count; ++i) {
     const PackedMove move = NextQuietMove(quiets, i);
     if (move != node.FirstMove && move != killers[0] && move != killers[1] && search(move))
-      return Outcome::kFinished;
+      return true;
   }
-  return Outcome::kGoOn;
+  return false;
 }
 
 template <Side Us> int ScoreWithoutMoves(int ply) { return IsInCheck(Us) ? MatedScore(Us, ply) : 0; }
 
-template <Side Us> int SearchLevel(int ply, int alpha, int beta, ScoreRange range) {
+template <Side Us> int SearchLevel(int ply, int depth, int alpha, int beta, ScoreRange range) {
   assert(ply >= kFirstLevel && ply <= kSearchPlies && alpha < beta && PositionIsOk());
 
-  // 1. Where full width ends, quiescence takes care of stops, repetitions, the fifty-move rule and material.
-  PvClearFrom(ply);
-  if (CurrentDepth <= ply)
+  // 1. Beyond full width, quiescence checks for stops, repetitions, the fifty-move rule and material itself.
+  ClearLine(ply);
+  if (depth <= ply)
     return EnterQuiescence<Us>(ply, alpha, beta, range);
 
   // 2. Stops and draws.
@@ -145,25 +145,26 @@ template <Side Us> int SearchLevel(int ply, int alpha, int beta, ScoreRange rang
   if (IsMaterialOrClockDraw())
     return HasLegalMove(Us) ? 0 : ScoreWithoutMoves<Us>(ply);
 
-  // 3. Moves in order. Their history scores are those of this moment, before anything below is searched.
+  // 3. Generate moves. Their history scores are those of this moment, before anything below is searched.
   GenerateMoves<Us>(ply);
-  LevelNode node{ply, alpha, beta, range, Us == kWhite ? -kInfinity : kInfinity, false, ProbeHashMove(ply, Us)};
+  LevelNode node{
+      ply, depth, alpha, beta, range, Us == kWhite ? -kInfinity : kInfinity, false, ChooseFirstMove(Us, ply, depth)};
 
   // 4. Search them until one cuts.
   SaveState(ply);
-  if (SearchMoves<Us>(node) == Outcome::kFinished)
+  if (SearchMoves<Us>(node))
     return node.Best;
   if (!node.Searched)
     return ScoreWithoutMoves<Us>(ply);
-  StoreBestMove(ply);
+  StoreBestMove(node);
   return node.Best;
 }
 
 } // namespace
 
-int SearchLevels(Side side, int alpha, int beta) {
-  return side == kWhite ? SearchLevel<kWhite>(kFirstLevel, alpha, beta, kAllScores)
-                        : SearchLevel<kBlack>(kFirstLevel, alpha, beta, kAllScores);
+int SearchLevels(Side side, int depth, int alpha, int beta) {
+  return side == kWhite ? SearchLevel<kWhite>(kFirstLevel, depth, alpha, beta, kAllScores)
+                        : SearchLevel<kBlack>(kFirstLevel, depth, alpha, beta, kAllScores);
 }
 
 } // namespace zorvane

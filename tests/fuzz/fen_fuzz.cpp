@@ -1,4 +1,4 @@
-// Any text as a FEN: a refused one changes nothing, an accepted one can be counted, evaluated and searched.
+// Any text as a FEN: a rejected one changes nothing, an accepted one can be counted, evaluated and searched.
 #include <cstdint>
 #include <cstdlib>
 #include <string>
@@ -20,7 +20,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     before = BuildPositionKey(SideToMove);
     Perft(1);
     Evaluate();
-    RunSearch({1, 0.001});
+    RunSearch({1, kShortestTimeMs}, {});
   }
   if (!(BuildPositionKey(SideToMove) == before))
     std::abort();

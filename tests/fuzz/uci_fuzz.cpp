@@ -1,4 +1,4 @@
-// Any bytes as the lines of a UCI session. A search lasts only until the next line that stops it.
+// Any bytes as the lines of a UCI session. A search only lasts until the next line that stops it.
 #include <algorithm>
 #include <array>
 #include <cstdint>
@@ -7,6 +7,7 @@
 
 #include "frontend/engine_main.h"
 #include "frontend/search_thread.h"
+#include "frontend/text_line.h"
 #include "frontend/uci_loop.h"
 
 using namespace zorvane;
@@ -17,7 +18,7 @@ extern "C" int LLVMFuzzerInitialize(int * /*argc*/, char *** /*argv*/) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
   StartEngine();
-  static std::array<char, 16384> line;
+  static std::array<char, kTextLineSize> line;
   const std::uint8_t *const end = data + size;
   while (data < end) {
     const std::uint8_t *lineEnd = std::find(data, end, '\n');

@@ -1,11 +1,11 @@
-#include "quiescence/move_lists.h"
+#include "search/move_lists.h"
 
 #include <algorithm>
 
-#include "board/array.h"
-#include "board/piece_values.h"
-#include "quiescence/check_squares.h"
-#include "quiescence/killers_history.h"
+#include "base/array.h"
+#include "board/check_squares.h"
+#include "board/piece_square_terms.h"
+#include "search/killers_history.h"
 
 namespace zorvane {
 
@@ -16,9 +16,9 @@ namespace {
 
 constexpr int kVictimFactor = 100;
 
-// Quiet moves whose check cannot be read off the to-square: the queen of a promotion, the rook of castling.
+// Quiet moves for which the to-square does not show whether they give check: promotions and castling.
 bool IsCompound(PieceType type, int from, int to) {
-  return (type == kPawn && Contains(kLastRows, to)) || (type == kKing && Absolute(to - from) == kCastlingStep);
+  return (type == kPawn && Contains(kPromotionRows, to)) || (type == kKing && Absolute(to - from) == kCastlingStep);
 }
 
 } // namespace
@@ -50,19 +50,19 @@ template <Side Us> void GenerateMoves(int ply) {
 
   const CheckInfo info = FindCheckInfo<Us>();
   const CheckSquares checks = FindCheckSquares<Us>();
-  const Bitboard enemies = Position.BySide[Opposite(Us)];
+  const Bitboard enemies = Board.BySide[Opposite(Us)];
   MoveSets moves;
   GenerateLegalMoves<Us>(moves, info);
   for (Bitboard froms = moves.Froms; froms != 0;) {
     const int from = PopLsb(froms);
     const PieceType type = TypeOf(PieceOn(from));
-    const Bitboard checking = CheckingTargetsOf(checks, from, type);
+    const Bitboard checking = CheckingTargets(checks, from, type);
     for (Bitboard targets = moves.Targets[from]; targets != 0;) {
       const int to = PopLsb(targets);
       const PackedMove move = PackMove(from, to);
       if (Contains(enemies, to) || IsEnPassantMove(from, to))
         InsertSorted(captures, {MoveOrderScore(from, to), move});
-      else if (IsCompound(type, from, to) ? MoveGivesCheck(ply, from, to) : Contains(checking, to))
+      else if (IsCompound(type, from, to) ? MoveGivesCheck(from, to) : Contains(checking, to))
         Append(checksFound, {kQuietCheckScore, move});
       else
         Append(quiets, {HistoryTable[Us][move], move});

@@ -1,11 +1,11 @@
-#include "search/transposition_table.h"
+#include "tree/transposition_table.h"
 
 #include <cassert>
 
-#include "board/array.h"
+#include "base/array.h"
 #include "board/plies.h"
 #include "board/rules.h"
-#include "search/stop_control.h"
+#include "tree/stop_control.h"
 
 namespace zorvane {
 
@@ -16,7 +16,7 @@ namespace {
 bool UseTranspositionMoves = true;
 int TranspositionSizeKb;
 
-// What a node's probe leaves for its store.
+// What a node's probe keeps for its store.
 struct PreparedStore {
   PositionKey Key;
   std::size_t Slot;
@@ -38,7 +38,7 @@ void ClearTransposition() { ResizeTransposition(TranspositionSizeKb); }
 
 void EnableTranspositionMoves(bool enabled) { UseTranspositionMoves = enabled; }
 
-PackedMove ProbeTransposition(int ply, Side side) {
+PackedMove ProbeTransposition(Side side, int ply) {
   if (!UseTranspositionMoves || TranspositionSlots == 0)
     return kNoMove;
   PreparedStore &prepared = Prepared[ply];
@@ -47,7 +47,7 @@ PackedMove ProbeTransposition(int ply, Side side) {
   if (stored == 0 || StoredKey(prepared.Slot) != prepared.Key)
     return kNoMove;
   const auto move = static_cast<PackedMove>(stored - 1);
-  assert(IsLegalMoveOf(side, move));
+  assert(IsLegalMoveFor(side, move));
   return move;
 }
 

@@ -1,13 +1,13 @@
-// Piece values, and what a piece's square adds to them, by formulas of centrality and rank. The position keeps the sum
-// of both; the evaluation starts from it.
+// Piece values, and what a piece's square adds to them, as formulas of centrality and rank: the part of the evaluation
+// whose sum the position keeps up to date with each move. Everything else is in evaluation/.
 #pragma once
 
-#include "board/array.h"
+#include "base/array.h"
 #include "board/types.h"
 
 namespace zorvane {
 
-// By PieceType, in centipawns. The king's value is for ordering captures alone.
+// By PieceType, in centipawns. The king's value is only used for ordering captures.
 constexpr Array<int, kPieceTypes + 1> kPieceValues{0, 100, 500, 320, 330, 900, 1000};
 
 constexpr int PieceValue(Piece piece) { return kPieceValues[TypeOf(piece)]; }
@@ -31,11 +31,11 @@ constexpr int RelativeRank(Side side, int square) { return side == kWhite ? 7 - 
 constexpr int FileCentrality(int square) { return 7 - Absolute(2 * FileOf(square) - 7); }
 constexpr int RankCentrality(int square) { return 7 - Absolute(2 * RowOf(square) - 7); }
 
-// What a piece of the type adds to the material sum, from which the game phase follows; pawns and kings add nothing.
-constexpr int MaterialValue(PieceType type) { return type == kPawn || type == kKing ? 0 : kPieceValues[type]; }
+// What a piece adds to the material sum that determines the game phase; pawns and kings add nothing.
+constexpr int NonPawnValue(PieceType type) { return type == kPawn || type == kKing ? 0 : kPieceValues[type]; }
 
-// The value of a pawn, rook, knight, bishop or queen of side with what its square adds, positive for either side; 0 for
-// kings, whose terms depend on the phase throughout.
+// The value of a pawn, rook, knight, bishop or queen plus what its square adds, positive for either side. 0 for kings,
+// whose terms all depend on the phase.
 constexpr int PieceSquareTerm(Side side, PieceType type, int square) {
   const int rank = RelativeRank(side, square);
   const int fileCentrality = FileCentrality(square);

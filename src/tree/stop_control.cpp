@@ -1,11 +1,11 @@
-#include "search/stop_control.h"
+#include "tree/stop_control.h"
 
 #include <atomic>
 #include <cassert>
-#include <cstdint>
 #include <cstdio>
 #include <cstring>
 
+#include "base/program_clock.h"
 #include "platform/platform.h"
 
 namespace zorvane {
@@ -18,12 +18,11 @@ namespace {
 constexpr int kNodesPerStopTest = 64;
 constexpr double kCancelPollMs = 10;
 
-// The one value that two threads write.
-std::atomic<std::int32_t> StopFlag;
+// The only value that two threads write.
+std::atomic<bool> StopFlag;
 
 bool DeadlineArmed;
 double Deadline; // milliseconds on ProgramClock
-double ProgramStartMs;
 
 char CancelPath[kPathBufferSize]; // empty for none
 double LastCancelPoll;            // milliseconds on ProgramClock
@@ -39,18 +38,14 @@ void PollCancelFile() {
 
 } // namespace
 
-void RequestStop() { StopFlag.exchange(1); }
-void ClearStopRequest() { StopFlag.exchange(0); }
-bool IsStopRequested() { return StopFlag.load(std::memory_order_relaxed) != 0; }
+void RequestStop() { StopFlag = true; }
+void ClearStopRequest() { StopFlag = false; }
+bool IsStopRequested() { return StopFlag.load(std::memory_order_relaxed); }
 
 void WatchCancelFile(const char *path) {
   assert(std::strlen(path) < sizeof CancelPath);
   std::snprintf(CancelPath, sizeof CancelPath, "%s", path);
 }
-
-void StartProgramClock() { ProgramStartMs = PerformanceMilliseconds(); }
-
-double ProgramClock() { return PerformanceMilliseconds() - ProgramStartMs; }
 
 void ResetStopControl() {
   DeadlineArmed = SearchAborted = false;
@@ -78,7 +73,7 @@ bool ShouldStop() {
   return SearchAborted;
 }
 
-bool AskShouldStop() {
+bool PollNow() {
   NodesToStopTest = kNodesPerStopTest;
   return ShouldStop();
 }

@@ -1,4 +1,4 @@
-#include "board/number_text.h"
+#include "base/parse_integer.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -7,10 +7,10 @@
 namespace zorvane {
 
 int ParseInteger(const char *text, const char **end) {
-  char *behind = nullptr;
-  const long long number = std::strtoll(text, &behind, 10);
+  char *after = nullptr;
+  const long long number = std::strtoll(text, &after, 10);
   if (end != nullptr)
-    *end = behind;
+    *end = after;
   constexpr long long lowest = std::numeric_limits<int>::min();
   constexpr long long highest = std::numeric_limits<int>::max();
   return static_cast<int>(std::clamp(number, lowest, highest));

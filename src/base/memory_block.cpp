@@ -1,6 +1,7 @@
-#include "board/memory_block.h"
+#include "base/memory_block.h"
 
-#include "board/array.h"
+#include "base/array.h"
+#include "base/exit_code.h"
 
 #include <cstdint>
 #include <cstdio>
@@ -12,7 +13,7 @@ Array<MemoryBlock, 2> MemoryBlocks;
 
 namespace {
 
-// What the allocator handed out, for giving it back.
+// What the allocator returned, which is what must be freed.
 Array<void *, 2> Allocations;
 
 } // namespace
@@ -26,7 +27,7 @@ void AllocateBlock(MemoryBlockNumber number, std::size_t length) {
     return;
   void *memory = std::calloc(length + kBlockAlignment, 1);
   if (memory == nullptr)
-    std::exit(2);
+    std::exit(kFailure);
   const auto address = reinterpret_cast<std::uintptr_t>(memory);
   const std::size_t skip = (kBlockAlignment - address % kBlockAlignment) % kBlockAlignment;
   Allocations[index] = memory;
@@ -36,7 +37,7 @@ void AllocateBlock(MemoryBlockNumber number, std::size_t length) {
 void FailMemoryBounds(MemoryBlockNumber number, std::size_t offset, std::size_t width) {
   std::fprintf(stderr, "memory bounds %d %lu %lu\n", static_cast<int>(number), static_cast<unsigned long>(offset),
                static_cast<unsigned long>(width));
-  std::exit(2);
+  std::exit(kFailure);
 }
 
 } // namespace zorvane

@@ -3,7 +3,7 @@
 
 #include <cassert>
 
-#include "board/array.h"
+#include "base/array.h"
 #include "board/plies.h"
 #include "board/types.h"
 
@@ -11,16 +11,16 @@ namespace zorvane {
 
 constexpr int kHistoryLimit = 1000000;
 
-// By ply, 1 to 7: slot 0 the newer killer, slot 1 the older, kNoMove when empty. Cleared before each iteration.
+// By ply, 1 to 7: the newer killer in slot 0, the older in slot 1, kNoMove if empty. Cleared before each iteration.
 extern Array<Array<PackedMove, 2>, kSearchPlies> KillerTable;
 
-// By side and PackedMove: the credits of this search, 0 to kHistoryLimit. Cleared before each search.
+// By side and PackedMove: the points of this search, 0 to kHistoryLimit. Cleared before each search.
 extern Array<Array<std::int32_t, kPackedMoves>, 2> HistoryTable;
 
 void ClearKillers();
 void ClearHistory();
 
-// Makes the move the newest killer of ply; the older of the two drops out.
+// Makes the move the newer killer of the ply; the former older one is dropped.
 inline void StoreKiller(int ply, PackedMove move) {
   auto &slots = KillerTable[ply];
   if (slots[0] == move)
@@ -29,8 +29,8 @@ inline void StoreKiller(int ply, PackedMove move) {
   slots[0] = move;
 }
 
-// Credits a move that cut a node of the ply, 1 to 7: 64 points at ply 1 down to 4 at ply 7. The
-// remaining depth does not count.
+// Credits a move that caused a cut-off at the ply, 1 to 7: 64 points at ply 1 down to 4 at ply 7, whatever the
+// remaining depth.
 inline void AddHistory(Side side, int ply, PackedMove move) {
   assert(ply >= 1 && ply < kSearchPlies);
   const int credit = kSearchPlies + 1 - ply;

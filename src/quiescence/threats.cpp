@@ -1,4 +1,4 @@
-#include "quiescence/predicates.h"
+#include "quiescence/threats.h"
 
 #include <cassert>
 
@@ -10,7 +10,7 @@ template <Side Us> bool HasPawnForkPush() {
   const Bitboard forks = PawnForkSquares<Us>() & ~Occupied();
   if (forks == 0)
     return false;
-  const Bitboard pawns = Pieces(Us, kPawn) & ~kLastRows;
+  const Bitboard pawns = Pieces(Us, kPawn) & ~kPromotionRows;
   const Bitboard single = SinglePushes<Us>(pawns);
   for (Bitboard targets = single & forks; targets != 0;) {
     const int to = PopLsb(targets);
@@ -35,7 +35,7 @@ bool HasFreshKnightFork(Side us, int ply) {
   while (fresh != 0) {
     const int knight = PopLsb(fresh);
     Bitboard forked = 0;
-    for (Bitboard attacked = KnightAttacks[knight] & pieces; attacked != 0;) {
+    for (Bitboard attacked = kKnightAttacks[knight] & pieces; attacked != 0;) {
       const int target = PopLsb(attacked);
       if (IsLegalMove(knight, target))
         forked |= Bit(target);

@@ -1,6 +1,6 @@
-#include "quiescence/killers_history.h"
+#include "search/killers_history.h"
 
-#include "board/array.h"
+#include "base/array.h"
 
 namespace zorvane {
 
