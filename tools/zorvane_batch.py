@@ -1,14 +1,15 @@
-# Many searches side by side by Zorvane's request files: what the command line tools share.
-#
-#     with Batch(find_engine(), jobs=4) as batch:
-#         for request, result in batch.results(requests):
-#             ...
-#     if batch.interrupts:
-#         ...
-#
-# `requests` may be a generator: it is asked, in another thread, for the next request when an engine is free, so that
-# few are held at a time. Results come in its order. What it raises, such as a Problem, comes out of `results` behind
-# the results of all requests before it. zorvane_requests tells what a request and a result are.
+"""Many searches side by side by Zorvane's request files: what the command line tools share.
+
+    with Batch(find_engine(), jobs=4) as batch:
+        for request, result in batch.results(requests):
+            ...
+    if batch.interrupts:
+        ...
+
+`requests` may be a generator: it is asked, in another thread, for the next request when an engine is free, so that
+few are held at a time. Results come in its order. What it raises, such as a Problem, comes out of `results` after
+the results of all requests before it. zorvane_requests says what a request and a result are.
+"""
 import argparse
 import contextlib
 import json
@@ -33,8 +34,8 @@ PROGRAM = 'zorvane.exe' if os.name == 'nt' else 'zorvane'
 PROGRAM_FOLDERS = ('build/release', '.', '../bin')
 
 
-# The words of a command line by the rules of the system's shell.
 def split_command(command, windows=os.name == 'nt'):
+    """Give the words of a command line by the rules of the system's shell."""
     words = shlex.shlex(command, posix=True)
     words.whitespace_split, words.commenters = True, ''
     if windows:
@@ -45,9 +46,11 @@ def split_command(command, windows=os.name == 'nt'):
         raise Problem(f'the engine {command} has a quotation that does not end') from None
 
 
-# The engine's command line as a list: a program, or a program and its first arguments. None is the default. One to
-# `run_here` must be there.
 def find_engine(command=None, run_here=True):
+    """Give the engine's command line as a list: a program, or a program and its first arguments.
+
+    None is the default. One to `run_here` must be there.
+    """
     if command is None:
         above = pathlib.Path(__file__).resolve().parent.parent
         near = (above / folder / PROGRAM for folder in PROGRAM_FOLDERS)
@@ -61,8 +64,8 @@ def find_engine(command=None, run_here=True):
     return engine
 
 
-# The values of a file of JSON, one a line. A line may be cut short by what ended its writer.
 def json_lines(path):
+    """Give the values of a file of JSON, one a line. A line may be cut short by what ended its writer."""
     with open(path, encoding='ascii') as lines:
         for line in lines:
             with contextlib.suppress(ValueError):
@@ -70,17 +73,22 @@ def json_lines(path):
 
 
 def request_path(folder, number):
+    """Give where the request of a number is."""
     return folder / f'{number:06}{REQUEST_SUFFIX}'
 
 
-# Engines that work side by side, one on each request. Without a folder for the files it makes one of its own. It
-# shows its progress, of `total` requests where that is known.
-#
-# Inside the context a first Ctrl-C, SIGTERM or SIGHUP cancels what runs and starts nothing more, a second kills;
-# `results` ends behind what was started. Leaving it cancels what still runs and waits for it.
 class Batch:
-    def __init__(self, engine, folder=None, jobs=1, keep=False, total=None, quiet=True):
-        self.engine, self.folder, self.jobs, self.keep = engine, folder, jobs, keep
+    """Engines that work side by side, one on each request.
+
+    Without a folder for the files it makes one of its own. With `keep` the files stay. It shows its progress, of
+    `total` requests where that is known. `run` answers one request, as in zorvane_requests.
+
+    Inside the context a first Ctrl-C, SIGTERM or SIGHUP cancels what runs and starts nothing more, a second kills;
+    `results` ends after what was started. Leaving it cancels what still runs and waits for it.
+    """
+
+    def __init__(self, engine, folder=None, jobs=1, keep=False, total=None, quiet=True, run=run):
+        self.engine, self.folder, self.jobs, self.keep, self.run = engine, folder, jobs, keep, run
         self.progress = Progress(total, quiet)
         self.leaving = self.ended = False
         self.interrupts = self.started = self.given = 0
@@ -107,8 +115,8 @@ class Batch:
         for number, handler in self.handlers.items():
             signal.signal(number, handler)
 
-    # Run an engine on each request; gives pairs of request and result.
     def results(self, requests):
+        """Run an engine on each request; give pairs of request and result."""
         self.source = iter(requests)
         self._add_worker()
         while True:
@@ -144,7 +152,7 @@ class Batch:
                 if isinstance(request, Exception):
                     raise request
                 try:
-                    result = run(self.engine, path, request, self._urgency)
+                    result = self.run(self.engine, path, request, self._urgency)
                 finally:
                     if not self.keep:
                         clean_up(path)
@@ -154,8 +162,8 @@ class Batch:
                 self.finished[number] = request, result
                 self.changed.notify_all()
 
-    # The next number and request, or what was raised instead; None when nothing more is to be started.
     def _take(self):
+        """Give the next number and request, or what was raised instead; None when nothing more is to be started."""
         with self.reading:
             while self.started - self.given >= MOST_WAITING + self.jobs and not self._urgency():
                 time.sleep(POLL_S)
@@ -175,8 +183,9 @@ class Batch:
                 return self.started, request
 
 
-# A line on standard error: rewritten in place on a terminal, now and then elsewhere.
 class Progress:
+    """A line on standard error: rewritten in place on a terminal, now and then elsewhere."""
+
     def __init__(self, total, quiet):
         self.total = total
         self.quiet = quiet or sys.stderr is None
@@ -184,6 +193,7 @@ class Progress:
         self.start, self.last_s = time.monotonic(), 0
 
     def show(self, finished, running, end=False):
+        """Show how many requests are done and running, unless that was shown just now."""
         elapsed = time.monotonic() - self.start
         if self.quiet or not end and elapsed - self.last_s < (0.2 if self.terminal else 2):
             return
@@ -196,14 +206,14 @@ class Progress:
             text += f', {finished / elapsed:.3g} a second, {minutes}:{seconds:02} left'
         print(text, end='' if self.terminal and not end else '\n', file=sys.stderr, flush=True)
 
-    # Make room for a line of other text.
     def wipe(self):
+        """Make room for a line of other text."""
         if self.terminal:
             print('\r\033[K', end='', file=sys.stderr, flush=True)
 
 
-# The command line of a tool, of which the text of its module tells; with what all tools have.
 def tool_parser(text):
+    """Give the parser for a tool's command line, with what all tools have; `text` describes the tool."""
     head, _, rest = text.partition('\n')
     parser = argparse.ArgumentParser(description=head, epilog=rest,
                                      formatter_class=argparse.RawDescriptionHelpFormatter)
@@ -215,21 +225,29 @@ def tool_parser(text):
     return parser
 
 
-# The command line that answers a request, for a job runner.
+def absolute(engine):
+    """Give an engine's command line that holds in any current folder; a program in the search path keeps its name."""
+    return [os.path.abspath(engine[0]) if os.path.dirname(engine[0]) else engine[0], *engine[1:]]
+
+
 def job(engine, path):
-    program = os.path.abspath(engine[0]) if os.path.dirname(engine[0]) else engine[0]
-    words = [program, *engine[1:], '--request', str(path)]
+    """Give the command line that answers a request, for a job runner."""
+    return command_line([*absolute(engine), '--request', str(path)])
+
+
+def command_line(words):
+    """Give words as the system's shell reads them."""
     return subprocess.list2cmdline(words) if os.name == 'nt' else shlex.join(words)
 
 
-# A line for the user; what comes from a file must not drive the terminal.
 def say(text):
+    """Print a line for the user; what comes from a file must not drive the terminal."""
     name = os.path.basename(sys.argv[0])
     print(f'{name}:', ''.join(c if c.isprintable() else '?' for c in str(text)), file=sys.stderr)
 
 
-# Run a tool to its exit status; what keeps it from its work is one line.
 def run_tool(main):
+    """Run a tool to its exit status; what keeps it from its work is one line."""
     signal.signal(signal.SIGINT, signal.default_int_handler)  # A shell's background job begins without.
     try:
         sys.exit(main())
@@ -240,5 +258,6 @@ def run_tool(main):
         os.dup2(os.open(os.devnull, os.O_WRONLY), sys.stdout.fileno())
         sys.exit(1)
     except (Problem, OSError, UnicodeError, subprocess.SubprocessError) as problem:
-        say(problem)
+        named = isinstance(problem, OSError) and problem.filename is not None
+        say(f'{problem.filename}: {problem.strerror}' if named else problem)
         sys.exit(2)
