@@ -19,6 +19,7 @@ from pathlib import Path
 from statistics import median
 
 import charts
+import layouts
 import measure
 from measure import UciEngine, WrongAnswer, run, search
 
@@ -238,6 +239,8 @@ def main():
     parser.add_argument("--baseline", type=os.path.abspath, metavar="PROGRAM",
                         help="an earlier build to compare with")
     parser.add_argument("--rounds", type=int, metavar="N", help="default: 5, or 1 with --quick")
+    parser.add_argument("--layouts", type=int, metavar="N",
+                        help="link both builds in N layouts, 2 or more, and compare the means of their times only")
     parser.add_argument("--quick", action="store_true", help="a small, rough run")
     parser.add_argument("--json", type=Path, metavar="FILE", help="write the samples of all rounds")
     parser.add_argument("--report", action="store_true", help="write the table and the charts into docs/")
@@ -247,6 +250,11 @@ def main():
     for program in builds.values():
         if not os.access(program, os.X_OK):
             parser.error(f"{program} does not exist; script/build builds the engine")
+    if options.layouts is not None:
+        if options.layouts < 2 or not options.baseline:
+            parser.error("--layouts needs 2 or more, and --baseline")
+        print(f"{origin(rounds)}\n\n{layouts.table(Plan(options.quick), builds, options.layouts, rounds)}")
+        return
     taken = measure_all(Plan(options.quick), builds, rounds)
     text = f"{origin(rounds)}\n\n{table(taken)}"
     print(text)

@@ -58,10 +58,15 @@ def read_suite():
     return [line.split("\t") for line in SUITE.read_text().splitlines()]
 
 
+def without_times(output):
+    """Return what a search printed without its times, in one line."""
+    return " | ".join(re.sub(r" (time|nps) -?\d+", "", line).rstrip() for line in output.splitlines())
+
+
 def search(program, depth, fen, expected=None):
     """Run one search on the command line and return (seconds, nodes)."""
     seconds, output = run(program, "--bench", depth, *([fen] if fen else []))
-    answer = " | ".join(re.sub(r" (time|nps) -?\d+", "", line).rstrip() for line in output.splitlines())
+    answer = without_times(output)
     if expected and answer != expected:
         raise WrongAnswer(f"depth {depth}, {fen or 'initial position'}: {answer!r}")
     return seconds, int(re.search(r" nodes (\d+)", output)[1])
