@@ -108,7 +108,7 @@ template <Side Us> bool IsKillerToTry(const LevelNode &node, PackedMove killer) 
 template <Side Us> bool SearchMoves(LevelNode &node) {
   const auto search = [&node](PackedMove move) { return SearchMove<Us>(node, move); };
   const LevelMoveList &captures = CaptureList[node.Ply];
-  LevelMoveList &quiets = QuietList[node.Ply];
+  const QuietMoveList &quiets = QuietList[node.Ply];
   const Array<PackedMove, 2> &killers = KillerTable[node.Ply];
 
   if (node.FirstMove != kNoMove && search(node.FirstMove))
@@ -121,8 +121,10 @@ template <Side Us> bool SearchMoves(LevelNode &node) {
   for (const PackedMove killer : killers)
     if (IsKillerToTry<Us>(node, killer) && search(killer))
       return true;
+  QuietKey key = 0;
   for (int i = 0; i < quiets.Count; ++i) {
-    const PackedMove move = NextQuietMove(quiets, i);
+    key = NextQuietKey(quiets, key);
+    const PackedMove move = MoveOf(key);
     if (move != node.FirstMove && move != killers[0] && move != killers[1] && search(move))
       return true;
   }
