@@ -57,26 +57,26 @@ TEST_F(SearchTest, TheTableKeepsOneMoveForEachBoard) {
   ASSERT_TRUE(LoadFen(kTactical));
   for (int ply = 0; ply <= 7; ++ply) {
     ResizeTransposition(512);
-    ASSERT_EQ(StoredMove(SlotIndex()), 0);
+    ASSERT_FALSE(IsFilled(SlotIndex()));
     ProbeAndStore(ply);
     DisplaceOtherPosition();
     EXPECT_EQ(ProbeTransposition(kWhite, ply), PackMove(28, 11)) << "the position's own evaluation leaves its move";
     EXPECT_EQ(ProbeTransposition(kBlack, ply), kNoMove);
     ProbeAndStore(ply, kBlack); // takes the slot over
     EXPECT_EQ(ProbeTransposition(kWhite, ply), kNoMove);
-    EXPECT_NE(StoredMove(SlotIndex()), 0);
+    EXPECT_TRUE(IsFilled(SlotIndex()));
     DisplaceOtherPosition();
-    EXPECT_EQ(StoredMove(SlotIndex()), 0) << "the other side's move goes with its key";
+    EXPECT_FALSE(IsFilled(SlotIndex())) << "the other side's move goes with its key";
   }
   EnableTranspositionMoves(false);
   ProbeAndStore(1);
-  EXPECT_EQ(StoredMove(SlotIndex()), 0);
+  EXPECT_FALSE(IsFilled(SlotIndex()));
   EnableTranspositionMoves(true);
   ProbeTransposition(kWhite, 1);
   RequestStop();
   ASSERT_TRUE(ShouldStop());
   StoreTransposition(1, PackMove(28, 11));
-  EXPECT_EQ(StoredMove(SlotIndex()), 0) << "nothing is stored once the search is aborted";
+  EXPECT_FALSE(IsFilled(SlotIndex())) << "nothing is stored once the search is aborted";
   ResizeTransposition(7);
   EXPECT_EQ(TranspositionSlots, 4096);
 }
@@ -139,7 +139,7 @@ TEST_F(SearchTest, ASearchWithoutNodesDisplacesAllTheSame) {
     if (stopped)
       RequestStop();
     RunSearch({1, kLongestTimeMs}, {});
-    EXPECT_EQ(StoredMove(SlotIndex()) == 0, fen == kTactical || !stopped);
+    EXPECT_EQ(IsFilled(SlotIndex()), fen != kTactical && stopped);
   }
 }
 

@@ -10,6 +10,7 @@
 namespace zorvane {
 
 int TranspositionSlots;
+Array<std::uint64_t, kMaxSlots / kSlotsPerWord> FilledSlots;
 
 namespace {
 
@@ -31,7 +32,8 @@ void ResizeTransposition(int sizeKb) {
     return;
   TranspositionSizeKb = sizeKb;
   TranspositionSlots = sizeKb * kSlotsPerKb;
-  AllocateBlock(kTranspositionBlock, static_cast<std::size_t>(TranspositionSlots) * kSlotBytes);
+  AllocateBlock(kTranspositionBlock, static_cast<std::size_t>(TranspositionSlots) * sizeof(TableSlot));
+  FilledSlots.fill(0);
 }
 
 void ClearTransposition() { ResizeTransposition(TranspositionSizeKb); }
@@ -43,12 +45,13 @@ PackedMove ProbeTransposition(Side side, int ply) {
     return kNoMove;
   PreparedStore &prepared = Prepared[ply];
   prepared = {TranspositionKey(side), SlotIndex()};
-  const std::uint16_t stored = StoredMove(prepared.Slot);
-  if (stored == 0 || StoredKey(prepared.Slot) != prepared.Key)
+  if (!IsFilled(prepared.Slot))
     return kNoMove;
-  const auto move = static_cast<PackedMove>(stored - 1);
-  assert(IsLegalMoveFor(side, move));
-  return move;
+  const TableSlot &stored = TableSlotAt(prepared.Slot);
+  if (stored.Key != prepared.Key)
+    return kNoMove;
+  assert(IsLegalMoveFor(side, stored.Move));
+  return stored.Move;
 }
 
 void StoreTransposition(int ply, PackedMove best) {
@@ -56,8 +59,8 @@ void StoreTransposition(int ply, PackedMove best) {
     return;
   const PreparedStore &prepared = Prepared[ply];
   assert(best != kNoMove && prepared.Slot < static_cast<std::size_t>(TranspositionSlots));
-  StoredKey(prepared.Slot) = prepared.Key;
-  StoredMove(prepared.Slot) = static_cast<std::uint16_t>(best + 1);
+  TableSlotAt(prepared.Slot) = {prepared.Key, best};
+  FilledWord(prepared.Slot) |= FilledBit(prepared.Slot);
 }
 
 } // namespace zorvane

@@ -6,6 +6,9 @@
 // behaviour. Neither search scores nor evaluations are kept: evaluating again is faster than a lookup.
 #pragma once
 
+#include <cstdint>
+
+#include "base/array.h"
 #include "base/memory_block.h"
 #include "board/position_key.h"
 
@@ -13,15 +16,18 @@ namespace zorvane {
 
 constexpr int kDefaultTableKb = 1024;
 
-// Hosts and users name sizes as if a slot took 128 bytes, but it takes a third of that. The number of slots decides
-// which positions share one, so it must not change: 1024 KiB are 8192 slots, a power of two.
+// Hosts and users name sizes as if a slot took 128 bytes, but it takes less than half of that. The number of slots
+// decides which positions share one, so it must not change: 1024 KiB are 8192 slots, a power of two.
 constexpr int kSlotsPerKb = 8;
+constexpr int kMaxSlots = kDefaultTableKb * kSlotsPerKb;
 
 // The number of slots, 0 without a table. Written by ResizeTransposition.
 extern int TranspositionSlots;
 
-// A slot is a move and a key.
-constexpr std::size_t kSlotBytes = sizeof(std::uint16_t) + sizeof(PositionKey);
+// One bit for each slot, set if it holds a move. Most probes and displacements find an empty slot, and then touch
+// nothing else: 1 KB instead of all slots. Read it with IsFilled.
+constexpr int kSlotsPerWord = 64;
+extern Array<std::uint64_t, kMaxSlots / kSlotsPerWord> FilledSlots;
 
 // True for the valid sizes of the table: 512 and 1024 KiB, and 0 for no table.
 constexpr bool IsTableSize(int sizeKb) { return sizeKb == 0 || sizeKb == 512 || sizeKb == 1024; }
@@ -40,20 +46,23 @@ void EnableTranspositionMoves(bool enabled);
 // The key of the position in the table. Unlike BuildPositionKey, it keeps an en-passant square that no pawn can use.
 inline PositionKey TranspositionKey(Side side) { return MakePositionKey(Board, side, Board.EnPassantSquare); }
 
-// The slot of the position. This, StoredMove and StoredKey must not be called without a table.
+// The slot of the position. This and TableSlotAt must not be called without a table.
 inline std::size_t SlotIndex() { return BoardHash() & static_cast<std::uint32_t>(TranspositionSlots - 1); }
 
-// The move of a slot, plus 1; 0 if the slot is empty. The moves of all slots are one small array in front of the keys:
-// most probes find an empty slot and touch nothing else.
-inline std::uint16_t &StoredMove(std::size_t slot) {
-  return RecordAt<std::uint16_t>(kTranspositionBlock, slot * sizeof(std::uint16_t));
-}
+// The word of FilledSlots with the bit of a slot, and the bit.
+inline std::uint64_t &FilledWord(std::size_t slot) { return FilledSlots[static_cast<int>(slot / kSlotsPerWord)]; }
+constexpr std::uint64_t FilledBit(std::size_t slot) { return std::uint64_t{1} << (slot % kSlotsPerWord); }
 
-// The position that the move belongs to; meaningless in an empty slot. The moves take a multiple of 64 bytes, so the
-// keys after them are aligned.
-inline PositionKey &StoredKey(std::size_t slot) {
-  const std::size_t moves = static_cast<std::size_t>(TranspositionSlots) * sizeof(std::uint16_t);
-  return RecordAt<PositionKey>(kTranspositionBlock, moves + slot * sizeof(PositionKey));
+inline bool IsFilled(std::size_t slot) { return (FilledWord(slot) & FilledBit(slot)) != 0; }
+
+// A move and the position it belongs to; meaningless in an empty slot.
+struct TableSlot {
+  PositionKey Key;
+  PackedMove Move;
+};
+
+inline TableSlot &TableSlotAt(std::size_t slot) {
+  return RecordAt<TableSlot>(kTranspositionBlock, slot * sizeof(TableSlot));
 }
 
 // What evaluating the current position does to the table: its slot loses the move of any other position. Must be called
@@ -64,9 +73,8 @@ inline void DisplaceOtherPosition() {
   if (TranspositionSlots == 0)
     return;
   const std::size_t slot = SlotIndex();
-  std::uint16_t &move = StoredMove(slot);
-  if (move != 0 && StoredKey(slot) != TranspositionKey(SideToMove)) [[unlikely]]
-    move = 0;
+  if (IsFilled(slot) && TableSlotAt(slot).Key != TranspositionKey(SideToMove)) [[unlikely]]
+    FilledWord(slot) &= ~FilledBit(slot);
 }
 
 // The stored move of the position with side to move, which is legal, or kNoMove. Also prepares StoreTransposition for
