@@ -37,26 +37,18 @@ template <Side Us> int CountLeaves() {
   const Bitboard held = PinnedPieces<Us>(info);
   const Bitboard allowed = resolving & ~Board.BySide[Us] & ~Pieces(kKing);
   const Bitboard occupied = Occupied();
-  Bitboard knights = Pieces(Us, kKnight) & ~held;
-  while (knights != 0)
+  for (Bitboard knights = Pieces(Us, kKnight) & ~held; knights != 0;)
     count += PopCount(kKnightAttacks[PopLsb(knights)] & allowed);
-  Bitboard diagonal = Pieces(Us, kBishop, kQueen);
-  while (diagonal != 0) {
-    const int from = PopLsb(diagonal);
-    count += PopCount(BishopAttacks(from, occupied) & allowed & PinLine(info, held, from));
-  }
-  Bitboard straight = Pieces(Us, kRook, kQueen);
-  while (straight != 0) {
-    const int from = PopLsb(straight);
-    count += PopCount(RookAttacks(from, occupied) & allowed & PinLine(info, held, from));
-  }
-
-  const Bitboard pawns = Pieces(Us, kPawn);
-  count += CountPawnMoves<Us>(pawns & ~held, allowed);
-  Bitboard pinned = pawns & held;
-  while (pinned != 0) {
+  for (Bitboard diagonal = Pieces(Us, kBishop, kQueen) & ~held; diagonal != 0;)
+    count += PopCount(BishopAttacks(PopLsb(diagonal), occupied) & allowed);
+  for (Bitboard straight = Pieces(Us, kRook, kQueen) & ~held; straight != 0;)
+    count += PopCount(RookAttacks(PopLsb(straight), occupied) & allowed);
+  count += CountPawnMoves<Us>(Pieces(Us, kPawn) & ~held, allowed);
+  for (Bitboard pinned = held; pinned != 0;) {
     const int from = PopLsb(pinned);
-    count += CountPawnMoves<Us>(Bit(from), allowed & PinLine(info, held, from));
+    const Bitboard onLine = allowed & LineThrough[info.King][from];
+    count +=
+        TypeOf(PieceOn(from)) == kPawn ? CountPawnMoves<Us>(Bit(from), onLine) : PopCount(PieceAttacks(from) & onLine);
   }
   return count;
 }
