@@ -27,6 +27,7 @@ OTHER_POSITION = "r3k2r/p1ppqpb1/bn2pnp1/3PN3/1p2P3/2N2Q1p/PPPBBPPP/R3K2R w KQkq
 RECORDED = json.loads((measure.ROOT / "tools" / "zorvane_numbers.json").read_text())["deepest"]
 DEEPEST, DEEPEST_ANSWER = RECORDED["depth"], RECORDED["answer"]
 MEAN = "both, geometric mean"
+LAYOUT_NOISE = 0.03  # how far two links of the same objects can differ
 REPORT = measure.ROOT / "docs" / "performance.md"
 BEGIN, END = "<!-- bench/compare: begin -->", "<!-- bench/compare: end -->"
 
@@ -194,7 +195,10 @@ def measure_all(plan, builds, rounds):
 
 
 def table(taken):
-    """Return the Markdown table of medians, and of ratios within a round with their range."""
+    """Return the Markdown table of medians, and of ratios within a round with their range.
+
+    A "≈" marks ratios of two builds of the engine that the layout of their code alone could explain.
+    """
     rows = [["what", "this engine", "against", "ratio", "range"], ["---", "---:", "---:", "---:", "---"]]
     for step, samples in taken.items():
         show = FORMATS[step]
@@ -202,7 +206,8 @@ def table(taken):
             own, others = values["engine"], {who: other for who, other in values.items() if who != "engine"}
             for who, other in others.items():
                 ratios = [a / b for a, b in zip(own, other)]
-                rows.append([what, show(median(own)), f"{who}: {show(median(other))}", f"{median(ratios):.2f}",
+                alike = "≈ " if who == "earlier build" and abs(median(ratios) - 1) < LAYOUT_NOISE else ""
+                rows.append([what, show(median(own)), f"{who}: {show(median(other))}", f"{alike}{median(ratios):.2f}",
                              f"{min(ratios):.2f} to {max(ratios):.2f}"])
             if not others:
                 rows.append([what, show(median(own)), "", "", f"{show(min(own))} to {show(max(own))}"])
