@@ -258,7 +258,10 @@ def main():
     if options.layouts is not None:
         if options.layouts < 2 or not options.baseline:
             parser.error("--layouts needs 2 or more, and --baseline")
-        print(f"{origin(rounds)}\n\n{layouts.table(Plan(options.quick), builds, options.layouts, rounds)}")
+        try:
+            print(f"{origin(rounds)}\n\n{layouts.table(Plan(options.quick), builds, options.layouts, rounds)}")
+        except WrongAnswer as problem:
+            sys.exit(str(problem))
         return
     taken = measure_all(Plan(options.quick), builds, rounds)
     text = f"{origin(rounds)}\n\n{table(taken)}"

@@ -6,7 +6,6 @@ command the quickest run counts, in processor time: what else the machine does o
 """
 
 import os
-import re
 import subprocess
 import sys
 import tempfile
@@ -80,5 +79,6 @@ def table(plan, builds, layouts, rounds):
             total = quickest(commands, [program for pair in zip(*linked.values()) for program in pair], rounds)
             own, other = ([total[program] for program in programs] for programs in linked.values())
             spread = ", ".join(f"{stdev(times) / mean(times):.1%}".replace("%", " %") for times in (own, other))
-            rows.append(f"| {what} | {mean(own):.3f} s | {mean(other):.3f} s | {mean(own) / mean(other):.3f} | {spread} |")
+            cells = what, f"{mean(own):.3f} s", f"{mean(other):.3f} s", f"{mean(own) / mean(other):.3f}", spread
+            rows.append(f"| {' | '.join(cells)} |")
     return "\n".join(rows)
