@@ -12,7 +12,8 @@ import time
 import types
 import unittest
 
-from engine_process import DATA, ENGINE, HANG_S, ROOT, RequestCase, native_only, side_by_side, started, table
+from engine_process import (DATA, ENGINE, HANG_S, ROOT, SMALL_PIPE, RequestCase, native_only, side_by_side, started,
+                            table)
 from recorded import ANALYSIS_DEPTH, CHECK_DEPTH, NUMBERS, data_of
 
 sys.path.append(str(ROOT / 'tools'))
@@ -39,10 +40,14 @@ class Analyse(RequestCase):
         self.environment['TMPDIR'] = str(self.folder)
         self.out, self.page = self.folder / 'out.pgn', self.folder / 'out.html'
 
+    def run_to_end(self, *arguments, games=GAMES):
+        """Run it to its end and give the finished process."""
+        return subprocess.run([*ANALYSE, '--quiet', '--depth', str(ANALYSIS_DEPTH), games, *arguments], text=True,
+                              capture_output=True, timeout=HANG_S, env=self.environment)
+
     def analyse(self, *arguments, code=0, games=GAMES):
         """Run it to its end and give what it wrote to standard output."""
-        done = subprocess.run([*ANALYSE, '--quiet', '--depth', str(ANALYSIS_DEPTH), games, *arguments], text=True,
-                              capture_output=True, timeout=HANG_S, env=self.environment)
+        done = self.run_to_end(*arguments, games=games)
         self.complaints = done.stderr.splitlines()
         self.assertEqual(done.returncode, code, done.stderr)
         return done.stdout
@@ -124,12 +129,15 @@ class Analyse(RequestCase):
 
     def test_going_on(self):
         """Stopped by Ctrl-C, hang-up and a kill, then the rest as printed jobs: nothing is asked twice."""
-        folder, slow = self.folder / 'a folder', self.wrapper('sleep 0.02; exec "$@"')
+        folder, started_engines = self.folder / 'a folder', self.folder / 'started'
+        # Quick until it has what we wait for, then so slow that it cannot end before we stop it.
+        slow = self.wrapper(f'echo >>{started_engines}; [ $(wc -l <{started_engines}) -le 7 ] || sleep 0.3; exec "$@"')
 
         def answers():
             return len(Answers(folder, {}, None)._execute('SELECT token FROM answers')) if folder.exists() else 0
         for stop, code in ((signal.SIGINT, 130), (signal.SIGHUP, 130), (signal.SIGKILL, -signal.SIGKILL)):
             known = answers()
+            started_engines.unlink(missing_ok=True)
             with started([*ANALYSE, '--engine', slow, '--depth', str(ANALYSIS_DEPTH), GAMES, '--pgn', self.out,
                           '--jobs', '1', '--folder', folder], stderr=subprocess.DEVNULL, env=self.environment
                          ) as process:
@@ -201,14 +209,18 @@ class Analyse(RequestCase):
         self.assertRegex(self.complaints[0], '2 of the printed jobs failed .*: no luck$')
 
     def test_wrong_use(self):
-        text, link = self.folder / 'text', self.folder / 'link'
+        games, text = self.folder / 'games.pgn', self.folder / 'text'
+        games.write_text('1. e4 *\n')
         text.write_text('This is no game.\n')
         (self.folder / 'twice').write_bytes(2 * PAGE.read_bytes())
         self.out.write_text('precious')
-        os.link(GAMES, link) if os.stat(GAMES).st_dev == os.stat(self.folder).st_dev else link.symlink_to(GAMES)
-        for arguments, complaint in table('analyse_wrong_use.tsv'):
-            self.analyse(*shlex.split(arguments.format(folder=self.folder, data=DATA)), code=2)
-            self.assertIn(complaint, '\n'.join(self.complaints), arguments)
+        os.link(games, self.folder / 'link')
+        rows = table('analyse_wrong_use.tsv')
+        commands = [shlex.split(arguments.format(folder=self.folder, data=DATA)) for arguments, _ in rows]
+        outcomes = side_by_side(lambda command: self.run_to_end(*command, games=games), commands)
+        for (arguments, complaint), done in zip(rows, outcomes):
+            self.assertEqual(done.returncode, 2, done.stderr)
+            self.assertIn(complaint, done.stderr, arguments)
         for games, complaint in ((text, 'no game that can be read'), (self.folder / 'none', 'No such file')):
             self.analyse('--pgn', self.folder / 'new', games=games, code=2)
             self.assertEqual((len(self.complaints), complaint in self.complaints[0]), (1, True))
@@ -257,7 +269,7 @@ class Analyse(RequestCase):
 
     def test_lost_reader(self):
         with started([*ANALYSE, GAMES, '--folder', self.folder / 'run', '--print-jobs'], env=self.environment,
-                     stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True) as process:
+                     stdout=subprocess.PIPE, stderr=subprocess.PIPE, pipesize=SMALL_PIPE, text=True) as process:
             process.stdout.readline()
             process.stdout.close()
             self.assertEqual((process.wait(HANG_S), 'Traceback' in process.stderr.read()), (1, False))

@@ -44,6 +44,9 @@ START_ATTEMPTS = 3 if len(ENGINE) > 1 else 1
 TIMED_ATTEMPTS = 10
 LATE_MS = 300 if len(ENGINE) == 1 else 5000
 
+# Bytes in a pipe, the fewest that the system has: who writes more than that waits for its reader.
+SMALL_PIPE = 4096
+
 native_only = unittest.skipIf(len(ENGINE) > 1, 'another program runs the engine here')
 
 
