@@ -131,7 +131,8 @@ class Analyse(RequestCase):
         """Stopped by Ctrl-C, hang-up and a kill, then the rest as printed jobs: nothing is asked twice."""
         folder, started_engines = self.folder / 'a folder', self.folder / 'started'
         # Quick until it has what we wait for, then so slow that it cannot end before we stop it.
-        slow = self.wrapper(f'echo >>{started_engines}; [ $(wc -l <{started_engines}) -le 7 ] || sleep 0.3; exec "$@"')
+        name = shlex.quote(str(started_engines))
+        slow = self.wrapper(f'echo >>{name}; [ $(wc -l <{name}) -le 7 ] || sleep 0.3; exec "$@"')
 
         def answers():
             return len(Answers(folder, {}, None)._execute('SELECT token FROM answers')) if folder.exists() else 0
@@ -216,7 +217,8 @@ class Analyse(RequestCase):
         self.out.write_text('precious')
         os.link(games, self.folder / 'link')
         rows = table('analyse_wrong_use.tsv')
-        commands = [shlex.split(arguments.format(folder=self.folder, data=DATA)) for arguments, _ in rows]
+        commands = [[word.format(folder=self.folder, data=DATA) for word in shlex.split(arguments)]
+                    for arguments, _ in rows]
         outcomes = side_by_side(lambda command: self.run_to_end(*command, games=games), commands)
         for (arguments, complaint), done in zip(rows, outcomes):
             self.assertEqual(done.returncode, 2, done.stderr)

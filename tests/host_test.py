@@ -91,7 +91,7 @@ class Host(RequestCase):
         self.file('many', *['g1f3 1 0'] * 257)
         (self.folder / 'latin').write_bytes(b'e2e4\n# Gr\xfc\xdfe\n')
         rows = table('host_wrong_use.tsv')
-        commands = [shlex.split(arguments.format(folder=self.folder)) for arguments, _ in rows]
+        commands = [[word.format(folder=self.folder) for word in shlex.split(arguments)] for arguments, _ in rows]
         for (arguments, complaint), done in zip(rows, side_by_side(lambda command: self.run_to_end(*command), commands)):
             self.assertEqual(done.returncode, 2, done.stderr)
             self.assertIn(complaint, done.stderr, arguments)
@@ -112,7 +112,7 @@ class Host(RequestCase):
         """Ctrl-C and its kind cancel what runs, start nothing more, and leave no files; so does a lost reader."""
         lines, folder = self.file('lines', 'e2e4 depth=1', *[ENDLESS] * 5), self.folder / 'run'
         running = self.folder / 'running'
-        engine = shlex.join(['sh', '-c', f'echo >>{running}; exec {shlex.join(ENGINE)} "$@"', 'sh'])
+        engine = shlex.join(['sh', '-c', f'echo >>{shlex.quote(str(running))}; exec {shlex.join(ENGINE)} "$@"', 'sh'])
         for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
             running.write_text('')
             with self.started_on(lines, folder, '--engine', engine) as host:
@@ -151,7 +151,8 @@ class Host(RequestCase):
         """What a killed host has not shown can be collected, and then the folder be used again."""
         lines, folder = self.file('lines', 'e2e4 depth=1', 'd2d4 depth=2', ENDLESS), self.folder / 'run'
         running, free = self.folder / 'running', self.folder / 'free'
-        gate = f'case $2 in *1.request) ;; *) echo >>{running}; until [ -e {free} ]; do sleep 0.1; done; esac; '
+        gate = (f'case $2 in *1.request) ;; *) echo >>{shlex.quote(str(running))}; '
+                f'until [ -e {shlex.quote(str(free))} ]; do sleep 0.1; done; esac; ')
         engine = shlex.join(['sh', '-c', gate + f'exec {shlex.join(ENGINE)} "$@"', 'sh'])
         with self.started_on(lines, folder, '--engine', engine) as host:
             self.assertTrue(host.stdout.readline().startswith('1: '))
@@ -281,8 +282,9 @@ class Host(RequestCase):
                          stdout=subprocess.PIPE, text=True) as host:
                 host.stdin.write('e2e4\n' * 5000)  # more than is read at once
                 host.stdin.flush()
-                self.assertEqual(host.stdout.readline(), f'/elsewhere/engine --request {folder}/000001.request\n')
-                self.assertEqual((folder / '000001.request').read_text().splitlines()[2], line)
+                request = folder / '000001.request'
+                self.assertEqual(host.stdout.readline(), f'/elsewhere/engine --request {shlex.quote(str(request))}\n')
+                self.assertEqual(request.read_text().splitlines()[2], line)
                 self.assertIn('"number": 1', (folder / 'zorvane.jobs').read_text())
 
     def test_job_lines(self):

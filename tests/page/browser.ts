@@ -25,9 +25,11 @@ export function startChromium(): Promise<Browser> {
   return chromium.launch({ executablePath: '/usr/bin/chromium', args: CHROMIUM });
 }
 
-/** Firefox as Debian has it, which speaks WebDriver BiDi. */
+/** Firefox as Debian has it, which speaks WebDriver BiDi. It does not start without a home of its own. */
 export function startFirefox(): Promise<Browser> {
-  return firefox.launch({ executablePath: '/usr/bin/firefox-esr', channel: 'moz-firefox' });
+  return firefox.launch({
+    executablePath: '/usr/bin/firefox-esr', channel: 'moz-firefox', env: { ...process.env, HOME: FOLDER },
+  });
 }
 
 export async function open(browser: Browser, file = PAGE, options: BrowserContextOptions = {}): Promise<Opened> {
