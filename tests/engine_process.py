@@ -20,7 +20,8 @@ import threading
 import unittest
 
 # Settings of one machine must neither hide nor cause a fault in the tools, so they start without them.
-for name in [name for name in os.environ if name.startswith('PYTHON') and name != 'PYTHONDONTWRITEBYTECODE']:
+KEPT = 'PYTHONDONTWRITEBYTECODE', 'PYTHONPYCACHEPREFIX'
+for name in [name for name in os.environ if name.startswith('PYTHON') and name not in KEPT]:
     del os.environ[name]
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
