@@ -8,7 +8,6 @@ import shlex
 import signal
 import subprocess
 import sys
-import time
 import types
 import unittest
 
@@ -21,7 +20,7 @@ from zorvane_annotate import wrap  # noqa: E402
 from zorvane_answers import Answers  # noqa: E402
 from zorvane_judge import Question  # noqa: E402
 from zorvane_output import Output  # noqa: E402
-from zorvane_pgn import read_games, unsuitable  # noqa: E402
+from zorvane_pgn import read_games, read_text, unsuitable  # noqa: E402
 
 ANALYSE = [sys.executable, str(ROOT / 'tools' / 'zorvane-analyse'), '--engine', shlex.join(ENGINE)]
 GAMES, ANALYSED, DATA_OF_PAGE = DATA / 'games.pgn', DATA / 'analysed.pgn', DATA / 'analysed.json'
@@ -142,10 +141,7 @@ class Analyse(RequestCase):
             with started([*ANALYSE, '--engine', slow, '--depth', str(ANALYSIS_DEPTH), GAMES, '--pgn', self.out,
                           '--jobs', '1', '--folder', folder], stderr=subprocess.DEVNULL, env=self.environment
                          ) as process:
-                end = time.monotonic() + HANG_S
-                while answers() < known + 5:
-                    self.assertLess(time.monotonic(), end)
-                    time.sleep(0.01)
+                self.wait_for(lambda: answers() >= known + 5)
                 process.send_signal(stop)
                 process.wait(HANG_S)
             self.assertEqual((process.returncode, self.out.exists()), (code, False))
@@ -232,6 +228,13 @@ class Analyse(RequestCase):
         for variant, fen, problem in table('variants.tsv'):
             self.assertEqual(unsuitable(variant, fen if fen != '-' else None), problem, (variant, fen))
 
+    def test_texts(self):
+        for text, games in table('pgn_texts.tsv'):
+            path = self.folder / 'games.pgn'
+            path.write_bytes(text.encode())
+            read = [f'{game.moves} {read_text(game.pgn).result}' for game in read_games(path)]
+            self.assertEqual(' | '.join(read), games, text)
+
     def test_lines(self):
         """Lines are broken between words, but not in a command or where the next would look like something else."""
         for length in range(60, 80):
@@ -260,14 +263,33 @@ class Analyse(RequestCase):
             raise ValueError
         self.assertEqual((self.out.read_text(), os.listdir(self.folder)), ('old', ['out.pgn']))
 
-    @native_only
-    def test_reader_of_games_that_crashes(self):
+    def replace_reader_of_games(self, line):
+        """Have this line of the shell run in place of pgn-extract."""
         program = self.folder / 'pgn-extract'
-        program.write_text('#!/bin/sh\nkill -KILL $$\n')
+        program.write_text(f'#!/bin/sh\n{line}\n')
         program.chmod(0o755)
         self.environment['PATH'] = f'{self.folder}:{os.environ["PATH"]}'
+
+    @native_only
+    def test_reader_of_games_that_crashes(self):
+        self.replace_reader_of_games('kill -KILL $$')
         self.analyse('--pgn', self.out, code=1)
         self.assertIn('pgn-extract was ended by signal 9', self.complaints[0])
+
+    @native_only
+    def test_stopped_before_any_search(self):
+        """Nothing is left behind, in the foreground or as a job that a shell started without Ctrl-C."""
+        reading = self.folder / 'reading'
+        self.replace_reader_of_games(f'touch {shlex.quote(str(reading))}; exec sleep 1000')
+        for stop in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
+            with started(['sh', '-c', 'trap "" INT; exec "$@"', 'sh', *ANALYSE, GAMES, '--pgn', self.out],
+                         env=self.environment, stderr=subprocess.PIPE) as process:
+                self.wait_for(reading.exists)
+                process.send_signal(stop)
+                complaint = process.communicate(timeout=HANG_S)[1]
+            self.assertEqual((process.returncode, complaint), (130, b'zorvane-analyse: interrupted\n'))
+            reading.unlink()
+        self.assertEqual(os.listdir(self.folder), ['pgn-extract'])
 
     def test_lost_reader(self):
         with started([*ANALYSE, GAMES, '--folder', self.folder / 'run', '--print-jobs'], env=self.environment,

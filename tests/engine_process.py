@@ -17,6 +17,7 @@ import shlex
 import subprocess
 import tempfile
 import threading
+import time
 import unittest
 
 # Settings of one machine must neither hide nor cause a fault in the tools, so they start without them.
@@ -220,6 +221,12 @@ class RequestCase(unittest.TestCase):
         self.addCleanup(folder.cleanup)
         self.folder = pathlib.Path(folder.name)
         self.names = map(str, itertools.count())
+
+    def wait_for(self, condition):
+        end = time.monotonic() + HANG_S
+        while not condition():
+            self.assertLess(time.monotonic(), end, 'nothing happened for too long')
+            time.sleep(0.01)
 
     def run_request(self, content, name=None, **how):
         """Write a request (None: do not) under a name, by default a new one; run the engine and return the outcome."""

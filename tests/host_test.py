@@ -97,16 +97,10 @@ class Host(RequestCase):
             self.assertIn(complaint, done.stderr, arguments)
         self.assertFalse((self.folder / 'new').exists())
 
-    def wait_for(self, condition):
-        end = time.monotonic() + HANG_S
-        while not condition():
-            self.assertLess(time.monotonic(), end, 'nothing happened for too long')
-            time.sleep(0.01)
-
     def started_on(self, lines, folder, *arguments):
         """A host that works on these lines in a folder."""
         return started([*HOST, '--file', lines, '--folder', folder, '--jobs', '2', *arguments],
-                       stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, pipesize=SMALL_PIPE, text=True)
+                       stdout=subprocess.PIPE, stderr=subprocess.PIPE, pipesize=SMALL_PIPE, text=True)
 
     def test_interrupt(self):
         """Ctrl-C and its kind cancel what runs, start nothing more, and leave no files; so does a lost reader."""
@@ -115,13 +109,14 @@ class Host(RequestCase):
         engine = shlex.join(['sh', '-c', f'echo >>{shlex.quote(str(running))}; exec {shlex.join(ENGINE)} "$@"', 'sh'])
         for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
             running.write_text('')
-            with self.started_on(lines, folder, '--engine', engine) as host:
+            with self.started_on(lines, folder, '--engine', engine, '--quiet') as host:
                 first = host.stdout.readline()
                 self.wait_for(lambda: running.read_text() == '\n' * 3)
                 host.send_signal(number)
-                rest = host.communicate(timeout=HANG_S)[0].splitlines()
+                rest, complaint = host.communicate(timeout=HANG_S)
             self.assertTrue(first.startswith('1: '))
-            self.assertEqual(rest, [f'{n}: cancelled ({lines}:{n})' for n in (2, 3)])
+            self.assertEqual(rest.splitlines(), [f'{n}: cancelled ({lines}:{n})' for n in (2, 3)])
+            self.assertEqual(complaint, f'zorvane-host: interrupted; nothing after {lines}:3 was started\n')
             self.assertEqual((host.returncode, list(folder.iterdir())), (130, []))
         with self.started_on(self.file('quick', *QUICK * 20), folder, '--depth', '1') as host:
             host.stdout.readline()
@@ -160,6 +155,8 @@ class Host(RequestCase):
                           and not list(folder.glob('000001.*')))
             host.kill()
         (folder / '000001.request.response').touch()  # as if killed before it was removed
+        with open(folder / 'zorvane.jobs', 'a') as record:
+            record.write('\n{"number": 4, "pla')  # and while it wrote that
         free.touch()
         self.wait_for((folder / '000002.request.response').exists)
         self.host('startpos', '--folder', str(folder), code=2)
@@ -286,6 +283,15 @@ class Host(RequestCase):
                 self.assertEqual(host.stdout.readline(), f'/elsewhere/engine --request {shlex.quote(str(request))}\n')
                 self.assertEqual(request.read_text().splitlines()[2], line)
                 self.assertIn('"number": 1', (folder / 'zorvane.jobs').read_text())
+
+    def test_old_python(self):
+        for name in ('zorvane-host', 'zorvane-analyse'):
+            code = ('import os, runpy, sys; sys.version_info = (3, 8, 18); sys.argv = sys.argv[1:]; '
+                    'sys.path.insert(0, os.path.dirname(sys.argv[0])); runpy.run_path(sys.argv[0])')
+            done = subprocess.run([sys.executable, '-c', code, ROOT / 'tools' / name], capture_output=True, text=True,
+                                  timeout=HANG_S)
+            self.assertEqual((done.returncode, done.stderr), (
+                1, f'{name}: this is Python 3.8, but it needs 3.9 or later\n'))
 
     def test_job_lines(self):
         lines, folder = self.file('lines', *QUICK), str(self.folder / 'a shared folder')
