@@ -92,7 +92,8 @@ class Host(RequestCase):
         (self.folder / 'latin').write_bytes(b'e2e4\n# Gr\xfc\xdfe\n')
         rows = table('host_wrong_use.tsv')
         commands = [[word.format(folder=self.folder) for word in shlex.split(arguments)] for arguments, _ in rows]
-        for (arguments, complaint), done in zip(rows, side_by_side(lambda command: self.run_to_end(*command), commands)):
+        outcomes = side_by_side(lambda command: self.run_to_end(*command), commands)
+        for (arguments, complaint), done in zip(rows, outcomes):
             self.assertEqual(done.returncode, 2, done.stderr)
             self.assertIn(complaint, done.stderr, arguments)
         self.assertFalse((self.folder / 'new').exists())
@@ -235,7 +236,8 @@ class Host(RequestCase):
         for fen, want in table('uci_positions.tsv'):
             result = zorvane_uci.search(ENGINE, zorvane_uci.Position(fen, [], depth=4))
             self.assertEqual(str(result.get('score', result.get('error'))), want, fen)
-        for engine, overdue_s, want in ((['false'], HANG_S, 'ended without an answer'), (['sleep', '30'], 0.2, 'killed'),
+        for engine, overdue_s, want in ((['false'], HANG_S, 'ended without an answer'),
+                                        (['sleep', '30'], 0.2, 'killed'),
                                         (['sh', '-c', 'read line; echo no luck >&2'], HANG_S, 'no luck')):
             with unittest.mock.patch.multiple(zorvane_uci, OVERDUE_S=overdue_s):
                 result = zorvane_uci.search(engine, zorvane_uci.Position(START_FEN, [], 100))
