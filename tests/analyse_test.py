@@ -8,11 +8,11 @@ import shlex
 import signal
 import subprocess
 import sys
-import time
 import types
 import unittest
 
-from engine_process import DATA, ENGINE, HANG_S, ROOT, RequestCase, native_only, side_by_side, started, table
+from engine_process import (DATA, ENGINE, HANG_S, ROOT, SMALL_PIPE, RequestCase, native_only, side_by_side, started,
+                            table)
 from recorded import ANALYSIS_DEPTH, CHECK_DEPTH, NUMBERS, data_of
 
 sys.path.append(str(ROOT / 'tools'))
@@ -20,7 +20,7 @@ from zorvane_annotate import wrap  # noqa: E402
 from zorvane_answers import Answers  # noqa: E402
 from zorvane_judge import Question  # noqa: E402
 from zorvane_output import Output  # noqa: E402
-from zorvane_pgn import read_games, unsuitable  # noqa: E402
+from zorvane_pgn import read_games, read_text, unsuitable  # noqa: E402
 
 ANALYSE = [sys.executable, str(ROOT / 'tools' / 'zorvane-analyse'), '--engine', shlex.join(ENGINE)]
 GAMES, ANALYSED, DATA_OF_PAGE = DATA / 'games.pgn', DATA / 'analysed.pgn', DATA / 'analysed.json'
@@ -39,10 +39,14 @@ class Analyse(RequestCase):
         self.environment['TMPDIR'] = str(self.folder)
         self.out, self.page = self.folder / 'out.pgn', self.folder / 'out.html'
 
+    def run_to_end(self, *arguments, games=GAMES):
+        """Run it to its end and give the finished process."""
+        return subprocess.run([*ANALYSE, '--quiet', '--depth', str(ANALYSIS_DEPTH), games, *arguments], text=True,
+                              capture_output=True, timeout=HANG_S, env=self.environment)
+
     def analyse(self, *arguments, code=0, games=GAMES):
         """Run it to its end and give what it wrote to standard output."""
-        done = subprocess.run([*ANALYSE, '--quiet', '--depth', str(ANALYSIS_DEPTH), games, *arguments], text=True,
-                              capture_output=True, timeout=HANG_S, env=self.environment)
+        done = self.run_to_end(*arguments, games=games)
         self.complaints = done.stderr.splitlines()
         self.assertEqual(done.returncode, code, done.stderr)
         return done.stdout
@@ -124,19 +128,20 @@ class Analyse(RequestCase):
 
     def test_going_on(self):
         """Stopped by Ctrl-C, hang-up and a kill, then the rest as printed jobs: nothing is asked twice."""
-        folder, slow = self.folder / 'a folder', self.wrapper('sleep 0.02; exec "$@"')
+        folder, started_engines = self.folder / 'a folder', self.folder / 'started'
+        # Quick until it has what we wait for, then so slow that it cannot end before we stop it.
+        name = shlex.quote(str(started_engines))
+        slow = self.wrapper(f'echo >>{name}; [ $(wc -l <{name}) -le 7 ] || sleep 0.3; exec "$@"')
 
         def answers():
             return len(Answers(folder, {}, None)._execute('SELECT token FROM answers')) if folder.exists() else 0
         for stop, code in ((signal.SIGINT, 130), (signal.SIGHUP, 130), (signal.SIGKILL, -signal.SIGKILL)):
             known = answers()
+            started_engines.unlink(missing_ok=True)
             with started([*ANALYSE, '--engine', slow, '--depth', str(ANALYSIS_DEPTH), GAMES, '--pgn', self.out,
                           '--jobs', '1', '--folder', folder], stderr=subprocess.DEVNULL, env=self.environment
                          ) as process:
-                end = time.monotonic() + HANG_S
-                while answers() < known + 5:
-                    self.assertLess(time.monotonic(), end)
-                    time.sleep(0.01)
+                self.wait_for(lambda: answers() >= known + 5)
                 process.send_signal(stop)
                 process.wait(HANG_S)
             self.assertEqual((process.returncode, self.out.exists()), (code, False))
@@ -201,14 +206,19 @@ class Analyse(RequestCase):
         self.assertRegex(self.complaints[0], '2 of the printed jobs failed .*: no luck$')
 
     def test_wrong_use(self):
-        text, link = self.folder / 'text', self.folder / 'link'
+        games, text = self.folder / 'games.pgn', self.folder / 'text'
+        games.write_text('1. e4 *\n')
         text.write_text('This is no game.\n')
         (self.folder / 'twice').write_bytes(2 * PAGE.read_bytes())
         self.out.write_text('precious')
-        os.link(GAMES, link) if os.stat(GAMES).st_dev == os.stat(self.folder).st_dev else link.symlink_to(GAMES)
-        for arguments, complaint in table('analyse_wrong_use.tsv'):
-            self.analyse(*shlex.split(arguments.format(folder=self.folder, data=DATA)), code=2)
-            self.assertIn(complaint, '\n'.join(self.complaints), arguments)
+        os.link(games, self.folder / 'link')
+        rows = table('analyse_wrong_use.tsv')
+        commands = [[word.format(folder=self.folder, data=DATA) for word in shlex.split(arguments)]
+                    for arguments, _ in rows]
+        outcomes = side_by_side(lambda command: self.run_to_end(*command, games=games), commands)
+        for (arguments, complaint), done in zip(rows, outcomes):
+            self.assertEqual(done.returncode, 2, done.stderr)
+            self.assertIn(complaint, done.stderr, arguments)
         for games, complaint in ((text, 'no game that can be read'), (self.folder / 'none', 'No such file')):
             self.analyse('--pgn', self.folder / 'new', games=games, code=2)
             self.assertEqual((len(self.complaints), complaint in self.complaints[0]), (1, True))
@@ -217,6 +227,13 @@ class Analyse(RequestCase):
     def test_variants(self):
         for variant, fen, problem in table('variants.tsv'):
             self.assertEqual(unsuitable(variant, fen if fen != '-' else None), problem, (variant, fen))
+
+    def test_texts(self):
+        for text, games in table('pgn_texts.tsv'):
+            path = self.folder / 'games.pgn'
+            path.write_bytes(text.encode())
+            read = [f'{game.moves} {read_text(game.pgn).result}' for game in read_games(path)]
+            self.assertEqual(' | '.join(read), games, text)
 
     def test_lines(self):
         """Lines are broken between words, but not in a command or where the next would look like something else."""
@@ -246,18 +263,37 @@ class Analyse(RequestCase):
             raise ValueError
         self.assertEqual((self.out.read_text(), os.listdir(self.folder)), ('old', ['out.pgn']))
 
-    @native_only
-    def test_reader_of_games_that_crashes(self):
+    def replace_reader_of_games(self, line):
+        """Have this line of the shell run in place of pgn-extract."""
         program = self.folder / 'pgn-extract'
-        program.write_text('#!/bin/sh\nkill -KILL $$\n')
+        program.write_text(f'#!/bin/sh\n{line}\n')
         program.chmod(0o755)
         self.environment['PATH'] = f'{self.folder}:{os.environ["PATH"]}'
+
+    @native_only
+    def test_reader_of_games_that_crashes(self):
+        self.replace_reader_of_games('kill -KILL $$')
         self.analyse('--pgn', self.out, code=1)
         self.assertIn('pgn-extract was ended by signal 9', self.complaints[0])
 
+    @native_only
+    def test_stopped_before_any_search(self):
+        """Nothing is left behind, in the foreground or as a job that a shell started without Ctrl-C."""
+        reading = self.folder / 'reading'
+        self.replace_reader_of_games(f'touch {shlex.quote(str(reading))}; exec sleep 1000')
+        for stop in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
+            with started(['sh', '-c', 'trap "" INT; exec "$@"', 'sh', *ANALYSE, GAMES, '--pgn', self.out],
+                         env=self.environment, stderr=subprocess.PIPE) as process:
+                self.wait_for(reading.exists)
+                process.send_signal(stop)
+                complaint = process.communicate(timeout=HANG_S)[1]
+            self.assertEqual((process.returncode, complaint), (130, b'zorvane-analyse: interrupted\n'))
+            reading.unlink()
+        self.assertEqual(os.listdir(self.folder), ['pgn-extract'])
+
     def test_lost_reader(self):
         with started([*ANALYSE, GAMES, '--folder', self.folder / 'run', '--print-jobs'], env=self.environment,
-                     stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True) as process:
+                     stdout=subprocess.PIPE, stderr=subprocess.PIPE, pipesize=SMALL_PIPE, text=True) as process:
             process.stdout.readline()
             process.stdout.close()
             self.assertEqual((process.wait(HANG_S), 'Traceback' in process.stderr.read()), (1, False))

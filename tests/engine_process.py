@@ -17,10 +17,12 @@ import shlex
 import subprocess
 import tempfile
 import threading
+import time
 import unittest
 
 # Settings of one machine must neither hide nor cause a fault in the tools, so they start without them.
-for name in [name for name in os.environ if name.startswith('PYTHON') and name != 'PYTHONDONTWRITEBYTECODE']:
+KEPT = 'PYTHONDONTWRITEBYTECODE', 'PYTHONPYCACHEPREFIX'
+for name in [name for name in os.environ if name.startswith('PYTHON') and name not in KEPT]:
     del os.environ[name]
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
@@ -43,6 +45,9 @@ START_ATTEMPTS = 3 if len(ENGINE) > 1 else 1
 # takes time of its own.
 TIMED_ATTEMPTS = 10
 LATE_MS = 300 if len(ENGINE) == 1 else 5000
+
+# Bytes in a pipe, the fewest that the system has: who writes more than that waits for its reader.
+SMALL_PIPE = 4096
 
 native_only = unittest.skipIf(len(ENGINE) > 1, 'another program runs the engine here')
 
@@ -216,6 +221,12 @@ class RequestCase(unittest.TestCase):
         self.addCleanup(folder.cleanup)
         self.folder = pathlib.Path(folder.name)
         self.names = map(str, itertools.count())
+
+    def wait_for(self, condition):
+        end = time.monotonic() + HANG_S
+        while not condition():
+            self.assertLess(time.monotonic(), end, 'nothing happened for too long')
+            time.sleep(0.01)
 
     def run_request(self, content, name=None, **how):
         """Write a request (None: do not) under a name, by default a new one; run the engine and return the outcome."""

@@ -72,6 +72,12 @@ def json_lines(path):
                 yield json.loads(line)
 
 
+def ending_signals():
+    """Give the signals that end a tool. Ctrl-C does even in a shell's background job, which begins without it."""
+    ignored = {HANGUP} if signal.getsignal(HANGUP) == signal.SIG_IGN else set()  # as nohup wants it
+    return {signal.SIGINT, signal.SIGTERM, HANGUP} - ignored
+
+
 def request_path(folder, number):
     """Give where the request of a number is."""
     return folder / f'{number:06}{REQUEST_SUFFIX}'
@@ -97,10 +103,7 @@ class Batch:
         self.changed = threading.Condition()
 
     def __enter__(self):
-        caught = {signal.SIGINT, signal.SIGTERM, HANGUP}
-        if signal.getsignal(HANGUP) == signal.SIG_IGN:  # as nohup wants it
-            caught.remove(HANGUP)
-        self.handlers = {number: signal.signal(number, self._interrupt) for number in caught}
+        self.handlers = {number: signal.signal(number, self._interrupt) for number in ending_signals()}
         self.temporary = None if self.folder else tempfile.TemporaryDirectory(prefix='zorvane-')
         self.folder = self.folder or pathlib.Path(self.temporary.name)
         return self
@@ -248,7 +251,8 @@ def say(text):
 
 def run_tool(main):
     """Run a tool to its exit status; what keeps it from its work is one line."""
-    signal.signal(signal.SIGINT, signal.default_int_handler)  # A shell's background job begins without.
+    for number in ending_signals():
+        signal.signal(number, signal.default_int_handler)
     try:
         sys.exit(main())
     except KeyboardInterrupt:

@@ -28,9 +28,9 @@ LONGEST_READING_S = 60
 # hostile file could make the search for ends slow.
 PIECE = re.compile(r'''
     (?P<tag>\[\s*(?P<name>\w[^][\s"]{0,99})\s*"(?P<value>(?:[^"\n]|"(?![ \t]{0,9}\]))*)"[ \t]*\]) |
-    (?P<comment>\{[^}\n]*(?:\n(?!\r?\n\[Event[ ])[^}\n]*)*\}|;[^\n]*) |
+    (?P<comment>\{[^}\n]*(?:\n(?!\r?\n\[Event[ ])[^}\n]*)*\}|;[^\r\n]*) |
     (?P<unclosed>\{[^}\n]*(?:\n(?!\r?\n\[Event[ ])[^}\n]*)*|\[\s*\w[^][\s"]{0,99}\s*"[^\n]*) |
-    (?P<skip>^%[^\n]*|\s+|e\.p\.) |
+    (?P<skip>(?:^|(?<=\r))%[^\r\n]*|\s+|e\.p\.) |
     (?P<number>\d*\.+) |
     (?P<bracket>[()]) |
     (?P<word>[^][\s{}();*]+|.)''', re.VERBOSE | re.MULTILINE | re.ASCII)
@@ -140,7 +140,7 @@ def split(data):
     for piece in PIECE.finditer(text):
         kind, word = piece.lastgroup, piece[0]
         if (kind == 'tag' and (moved or ended or piece['name'] == 'Event' and 'Event' in names) or
-                kind in ('number', 'word') and ended):
+                kind in ('number', 'word') and ended and word not in RESULTS):
             yield line, text[begin:piece.start()].encode('latin-1')
             begin, names, moved, ended, depth = piece.start(), set(), False, False, 0
         if not (moved or ended or names):
@@ -166,7 +166,7 @@ def read_text(pgn):
             text.words.append(f'{{{len(text.comments)}}}')
             text.comments.append(word[1:-1] if word[0] == '{' else word[1:].replace('}', ')'))
         elif kind == 'word' and word in RESULTS and depth == 0:
-            result = word
+            result = result or word
         elif kind not in ('skip', 'number'):
             text.words.append(word)
     if not result:

@@ -1,6 +1,6 @@
 // The built page in a real browser. Whatever a page asks for that is not itself or made by itself fails the test.
 import assert from 'node:assert/strict';
-import { mkdtempSync, readFileSync, writeFileSync } from 'node:fs';
+import { mkdtempSync, readFileSync, rmSync, writeFileSync } from 'node:fs';
 import { tmpdir } from 'node:os';
 import { join } from 'node:path';
 import { pathToFileURL } from 'node:url';
@@ -10,6 +10,7 @@ import { ROOT, dataFile } from './data';
 
 export const PAGE = join(ROOT, 'build', 'page', 'zorvane.html');
 export const FOLDER = mkdtempSync(join(tmpdir(), 'zorvane-page-'));
+process.on('exit', () => rmSync(FOLDER, { recursive: true, force: true }));
 const HANG_MS = 120000;
 const CHROMIUM = ['--no-sandbox', '--disable-gpu', '--disable-quic', '--no-first-run', '--disable-background-networking',
   '--disable-component-update', '--disable-sync'];
@@ -24,9 +25,11 @@ export function startChromium(): Promise<Browser> {
   return chromium.launch({ executablePath: '/usr/bin/chromium', args: CHROMIUM });
 }
 
-/** Firefox as Debian has it, which speaks WebDriver BiDi. */
+/** Firefox as Debian has it, which speaks WebDriver BiDi. It does not start without a home of its own. */
 export function startFirefox(): Promise<Browser> {
-  return firefox.launch({ executablePath: '/usr/bin/firefox-esr', channel: 'moz-firefox' });
+  return firefox.launch({
+    executablePath: '/usr/bin/firefox-esr', channel: 'moz-firefox', env: { ...process.env, HOME: FOLDER },
+  });
 }
 
 export async function open(browser: Browser, file = PAGE, options: BrowserContextOptions = {}): Promise<Opened> {
@@ -67,11 +70,24 @@ export async function drop(page: Page, name: string, content: Buffer): Promise<v
 export async function analyse(page: Page, depth: number, file = 'games.pgn'): Promise<void> {
   await page.getByLabel('Depth').selectOption(String(depth));
   await drop(page, file, readFileSync(dataFile(file)));
-  await page.locator('.progress').waitFor();
 }
 
+/** Waits for the end of an analysis: the progress is beside the list, unless all was done before we looked. */
 export async function finished(page: Page): Promise<void> {
+  await page.locator('.list').waitFor();
   await page.locator('.progress').waitFor({ state: 'detached' });
+}
+
+/** Opens a game of the list. The page follows the address a moment after the click, and loses keys until then. */
+export async function openGame(page: Page, number: number): Promise<void> {
+  await page.locator(`.list a[href="#game-${number}"]`).click();
+  await page.locator('.game').waitFor();
+}
+
+/** Goes from a game back to the list. */
+export async function toList(page: Page): Promise<void> {
+  await page.getByRole('link', { name: 'All games' }).click();
+  await page.locator('.list').waitFor();
 }
 
 /** The file that a click on a button saves. */

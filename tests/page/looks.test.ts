@@ -4,7 +4,7 @@ import { readFileSync } from 'node:fs';
 import { createRequire } from 'node:module';
 import test, { after, before } from 'node:test';
 import type { Browser, Page } from 'playwright-core';
-import { PAGE, analyse, finished, open, saved, startChromium } from './browser';
+import { PAGE, analyse, finished, open, openGame, saved, startChromium, toList } from './browser';
 
 interface Violation {
   id: string;
@@ -52,7 +52,7 @@ for (const width of [390, 1280]) {
       await page.goto(`file://${analysed}`);
       await page.addScriptTag({ content: AXE });
       await look(page, colorScheme === 'dark');
-      await page.locator('a[href="#game-1"]').click();
+      await openGame(page, 1);
       await page.keyboard.press('n');
       await look(page, colorScheme === 'dark');
       await page.context().close();
@@ -63,7 +63,7 @@ for (const width of [390, 1280]) {
 test('a printed game is one page with its curve, moves and three boards', async () => {
   const { page } = await open(browser, analysed);
   for (const game of [1, 6]) {
-    await page.goto(`file://${analysed}#game-${game}`);
+    await openGame(page, game);
     await page.emulateMedia({ media: 'print', colorScheme: 'dark' });
     const pdf = await page.pdf({ preferCSSPageSize: true });
     assert.equal(pdf.toString('latin1').match(/\/Type\s*\/Page\b/g)?.length, 1);
@@ -73,6 +73,7 @@ test('a printed game is one page with its curve, moves and three boards', async 
     assert.ok(game === 1 || await shown('.diagrams g-chess-board') === 3);
     assert.ok(await brightness(page) > 240, 'it prints dark');
     await page.emulateMedia({ media: 'screen' });
+    await toList(page);
   }
   await page.context().close();
 });

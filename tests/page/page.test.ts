@@ -5,7 +5,9 @@ import test, { after, before } from 'node:test';
 import type { Browser, BrowserContextOptions, Page } from 'playwright-core';
 import { Chess } from 'chess.js';
 import type { Analysis } from '../../web/page/src/analysis';
-import { PAGE, analyse, analysisIn, finished, open, pageWith, saved, startChromium, type Opened } from './browser';
+import {
+  PAGE, analyse, analysisIn, finished, open, openGame, pageWith, saved, startChromium, toList, type Opened,
+} from './browser';
 import { dataFile } from './data';
 import { pageText } from './record';
 
@@ -32,7 +34,8 @@ async function on(
 
 const fen = (page: Page) =>
   page.locator('.frame g-chess-board').evaluate((board) => (board as unknown as { fen: string }).fen);
-const current = (page: Page) => page.locator('.moves [aria-current]').getAttribute('data-n', { timeout: 5000 });
+// Waits until the board is at a half-move of the game.
+const at = (page: Page, n: number) => page.locator(`.moves [aria-current][data-n="${n}"]`).waitFor();
 
 // The moves of a saved game as chess.js reads them. Its grammar knows few tags and no second variation.
 function mainLine(game: string): string {
@@ -91,9 +94,16 @@ test('a page saves itself with its analysis and no other change', async () => {
 
 test('an analysis can be stopped and goes on', async () => {
   await on(PAGE, async (page) => {
+    // The page itself stops it, after the first search: we might come too late.
+    await page.evaluate(() => new MutationObserver((_, observer) => {
+      const progress = document.querySelector('.progress');
+      if (/ search/.test(progress?.textContent ?? '')) {
+        observer.disconnect();
+        progress?.querySelector('button')?.click();
+      }
+    }).observe(document.body, { childList: true, subtree: true }));
     await analyse(page, DEPTH);
-    await page.getByRole('button', { name: 'Stop' }).click();
-    await page.getByText('stopped').waitFor();
+    await page.getByText(/\d search.* stopped/).waitFor();
     await page.getByRole('button', { name: 'Go on' }).click();
     await finished(page);
     const again = analysisIn(await saved(page, 'Save this page'));
@@ -130,23 +140,23 @@ test('games that are pasted, and a file without games', async () => {
 
 test('a game is stepped through with keys, the wheel, and clicks on moves and the curve', async () => {
   await on(`${analysed}`, async (page) => {
-    await page.locator('a[href="#game-1"]').click();
+    await openGame(page, 1);
     await page.keyboard.press('ArrowRight');
     await page.keyboard.press('ArrowRight');
-    assert.equal(await current(page), '2');
+    await at(page, 2);
     await page.keyboard.press('ArrowLeft');
     assert.equal(await fen(page), 'rnbqkbnr/pppppppp/8/8/4P3/8/PPPP1PPP/RNBQKBNR');
     await page.locator('.frame').hover();
     await page.mouse.wheel(0, 120);
-    assert.equal(await current(page), '2');
+    await at(page, 2);
     await page.locator('.moves [data-n="7"]').click();
-    assert.equal(await current(page), '7');
+    await at(page, 7);
     const curve = page.locator('.curve svg');
     const box = await curve.boundingBox();
     await curve.click({ position: { x: (box?.width ?? 0) * 20 / 33, y: 20 } });
-    assert.equal(await current(page), '20');
+    await at(page, 20);
     await page.keyboard.press('End');
-    assert.equal(await current(page), '33');
+    await at(page, 33);
     await page.keyboard.press('p');
     assert.match(await page.locator('.panel').innerText(), /\?[?!]? (inaccuracy|mistake|blunder)[^]*Better/);
     await page.keyboard.press('f');
@@ -175,18 +185,22 @@ test('clocks, opening and event come from the game', async () => {
 test('a move that is tried is answered, however it is made', async () => {
   await on(analysed, async (page) => {
     const answer = page.locator('.engine', { hasText: /depth \d · [\d,]+ nodes in/ });
-    await page.locator('a[href="#game-1"]').click();
+    await openGame(page, 1);
     const square = (name: string) => page.locator(`.frame g-chess-board [data-square="${name}"]`);
+    const answered = async (move: string) => {
+      await page.locator('.own').getByText(move).waitFor();
+      await answer.waitFor();
+    };
     await square('g1').click();
     await square('f3').click();
-    await answer.waitFor();
+    await answered('Nf3');
     assert.equal(await fen(page), 'rnbqkbnr/pppppppp/8/8/8/5N2/PPPPPPPP/RNBQKB1R');
     await square('d7').dragTo(square('d5'));
-    await answer.waitFor();
+    await answered('d5');
     assert.match(await page.locator('.own').innerText(), /1\.\sNf3\s+d5/);
     await page.getByLabel('Try a move').fill('g3');
     await page.keyboard.press('Enter');
-    await answer.waitFor();
+    await answered('g3');
     await page.getByLabel('Try a move').fill('Kxe9');
     await page.keyboard.press('Enter');
     assert.equal(await page.getByLabel('Try a move').getAttribute('aria-invalid'), 'true');
@@ -203,7 +217,7 @@ test('a move that is tried is answered, however it is made', async () => {
 
 test('moves are made on the board with the keyboard alone', async () => {
   await on(analysed, async (page) => {
-    await page.locator('a[href="#game-1"]').click();
+    await openGame(page, 1);
     await page.locator('.frame g-chess-board [data-square="a1"]').focus();
     for (const key of ['ArrowUp', 'Enter', 'ArrowUp', 'ArrowUp', 'Enter']) {
       await page.keyboard.press(key);
@@ -241,7 +255,7 @@ test('texts of games are never markup', async () => {
   await on(pageWith('hostile.html', { ...analysis, source: hostile, games }), async (page) => {
     assert.equal(await page.locator('main img, main script').count(), 0);
     assert.ok((await page.locator('h1').textContent())?.includes(hostile));
-    await page.getByRole('link', { name: 'All games' }).click();
+    await toList(page);
     assert.equal(await page.locator('h1').textContent(), hostile);
     assert.equal(analysisIn(await saved(page, 'Save this page')).source, hostile);
   });
@@ -269,10 +283,12 @@ test('a thousand games: few rows are drawn, sorted and filtered at once, and one
     await page.getByLabel('Filter').fill('player 49');
     await page.getByText('20 of 1,000 games').waitFor();
     await rows.locator('a').first().click();
-    assert.equal(await page.locator('.frame g-chess-board').count(), 1);
+    await page.locator('.frame g-chess-board').waitFor();
+    const first = page.url();
     await page.getByRole('link', { name: 'Next' }).click();
+    await page.waitForURL((address) => address.href !== first);
     await page.goBack();
-    await page.getByRole('link', { name: 'All games' }).click();
+    await toList(page);
     await page.getByText('20 of 1,000 games').waitFor();
   });
 });

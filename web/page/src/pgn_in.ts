@@ -8,6 +8,8 @@ import { position } from './track';
 const VARIANTS_OF_CHESS = ['', '?', 'standard', 'normal', 'regular', 'from position'];
 const RESULTS = ['1-0', '0-1', '1/2-1/2', '*'];
 const NULL_MOVES = ['--', 'Z0', '0000'];
+// The engine's counters end before that.
+const LARGE_NUMBER = /\d{10}/;
 // What German and Dutch notation has for pieces; no English letter is among them.
 const LETTERS: Record<string, string> = { D: 'Q', T: 'R', S: 'N', P: 'N', L: 'B' };
 // Reading must not freeze the page: games are read for this long, then the page gets its turn.
@@ -31,7 +33,7 @@ function mainLine(text: string): { moves: string[], result: string } {
     if (kind === 'move' && depth === 0) {
       moves.push(word);
     }
-    if (kind === 'result' && depth === 0) {
+    if (kind === 'result' && depth === 0 && result === '') {
       result = word === '1/2' ? '1/2-1/2' : word;
     }
   }
@@ -46,6 +48,9 @@ function startPosition(tags: Record<string, string>): Chess {
   const fen = tags['FEN'] ?? '';
   if (!VARIANTS_OF_CHESS.includes(variant.toLowerCase())) {
     throw new Unreadable(`the variant is ${variant}`);
+  }
+  if (LARGE_NUMBER.test(fen)) {
+    throw new Unreadable('its start position has a number that is too large');
   }
   if (isChess960(fen)) {
     throw new Unreadable('the castling rights are those of Chess960');

@@ -18,8 +18,8 @@ export interface Piece {
 // value ends the tag only before its bracket: many files have quotation marks without a backslash.
 const TOKEN = new RegExp([
   String.raw`(?<tag>\[\s*\w[^\s"\]]*\s*"(?:[^"\n]|"(?![ \t]*\]))*"[ \t]*\])`,
-  String.raw`(?<comment>\{(?:(?!\n\r?\n\[Event )[^}])*\}|;[^\n]*)`,
-  String.raw`(?<skip>(?<=^|\n)%[^\n]*|\s+|e\.p\.)`,
+  String.raw`(?<comment>\{(?:(?!\n\r?\n\[Event )[^}])*\}|;[^\r\n]*)`,
+  String.raw`(?<skip>(?<=^|[\r\n])%[^\r\n]*|\s+|e\.p\.)`,
   String.raw`(?<nag>\$\d+|[!?]+)`,
   String.raw`(?<open>\()`,
   String.raw`(?<close>\))`,
@@ -65,7 +65,7 @@ class Current {
     if (kind === 'tag') {
       return this.moved || this.ended || (parseTag(text)[0] === 'Event' && this.names.has('Event'));
     }
-    return this.ended && ['number', 'move', 'nag', 'result'].includes(kind);
+    return this.ended && ['number', 'move', 'nag'].includes(kind);
   }
 
   take({ kind, text }: Token, line: number): void {

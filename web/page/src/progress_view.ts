@@ -27,6 +27,7 @@ export class ProgressView {
   async run(): Promise<void> {
     this.abort = new AbortController();
     this.toggle.textContent = 'Stop';
+    this.draw(false);
     const complete = await this.analyser.run(this.abort.signal);
     this.abort = null;
     this.pause();
