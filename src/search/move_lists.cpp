@@ -19,7 +19,8 @@ namespace {
 constexpr int kVictimFactor = 100;
 constexpr QuietKey kSignBit = QuietKey{1} << 31;
 
-static_assert(kHistoryLimit <= 0xffffffff / kPackedMoves - 1 && kLevelMoveLimit % kKeysAtOnce == 0);
+// Every key has room for its score, and a full list ends with a whole vector.
+static_assert(kHistoryLimit < (1 << 30) / kPackedMoves * 4 && kLevelMoveLimit % kKeysAtOnce == 0);
 
 // The targets on which a piece captures, en passant included.
 template <Side Us> Bitboard CapturingTargets(int from, PieceType type, Bitboard targets) {
