@@ -16,7 +16,7 @@ from engine_process import (DATA, ENGINE, HANG_S, ROOT, SMALL_PIPE, RequestCase,
 from recorded import ANALYSIS_DEPTH, CHECK_DEPTH, NUMBERS, data_of
 
 sys.path.append(str(ROOT / 'tools'))
-from zorvane_annotate import wrap  # noqa: E402
+from zorvane_annotate import loss_text, wrap  # noqa: E402
 from zorvane_answers import Answers  # noqa: E402
 from zorvane_judge import Question  # noqa: E402
 from zorvane_output import Output  # noqa: E402
@@ -234,6 +234,10 @@ class Analyse(RequestCase):
             path.write_bytes(text.encode())
             read = [f'{game.moves} {read_text(game.pgn).result}' for game in read_games(path)]
             self.assertEqual(' | '.join(read), games, text)
+
+    def test_losses(self):
+        for centipawns, text in table('average_losses.tsv'):
+            self.assertEqual(loss_text(float(centipawns)), text)
 
     def test_lines(self):
         """Lines are broken between words, but not in a command or where the next would look like something else."""

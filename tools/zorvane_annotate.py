@@ -7,6 +7,7 @@ What an earlier analysis by this tool added is replaced. It is known by the comm
 number after a move it names the mark that was added there, with `line` it is in a variation that was added. The tags
 of that analysis name the moves whose evaluations are ours.
 """
+import decimal
 import re
 
 from zorvane_judge import Options, judged, start_of
@@ -31,6 +32,11 @@ def score_text(score):
     """Give a score from White's view as PGN has it: pawns, or moves to the mate."""
     mate = mate_in(score)
     return f'#{mate}' if mate else f'{score / 100:.2f}'
+
+
+def loss_text(centipawns):
+    """Give an average loss in pawns. What is exactly between two numbers goes up, as in JavaScript."""
+    return str(decimal.Decimal(centipawns / 100).quantize(decimal.Decimal('0.01'), decimal.ROUND_HALF_UP))
 
 
 def range_text(options):

@@ -1,7 +1,8 @@
-// How the page reads games: the rows that tools/zorvane_pgn.py passes too.
+// How the page reads games and writes numbers: the rows that the tools pass too.
 import assert from 'node:assert/strict';
 import test from 'node:test';
 import { readGames } from '../../web/page/src/pgn_in';
+import { lossText } from '../../web/page/src/text';
 import { table } from './data';
 
 test('texts of files', async () => {
@@ -17,5 +18,11 @@ test('games that are not chess as the engine plays it', async () => {
     const start = fen === '-' ? '' : `[FEN "${fen}"]`;
     const [game] = await readGames(`[Variant "${variant}"]\n${start}\n\n*`);
     assert.equal(game?.problem, problem, `${variant} ${fen}`);
+  }
+});
+
+test('average losses', () => {
+  for (const [centipawns, text] of table('average_losses.tsv')) {
+    assert.equal(lossText(Number(centipawns)), text);
   }
 });

@@ -3,7 +3,7 @@ import type { Game, Side } from './analysis';
 import { el } from './dom';
 import type { Verdict } from './judge';
 import { MARKS } from './marks';
-import { occasion, opening, plural, playerName, resultText, timeControl } from './text';
+import { lossText, occasion, opening, plural, playerName, resultText, timeControl } from './text';
 
 export function gameHead(game: Game): HTMLElement {
   const facts = [occasion(game), opening(game), timeControl(game)].filter(Boolean);
@@ -23,7 +23,7 @@ function sideLine(verdict: Verdict, side: Side): HTMLElement[] {
     return [];
   }
   const line = el('span', {}, el('span', { class: side, role: 'img', 'aria-label': side }),
-    el('strong', {}, `${percent(accuracy)} %`), ` accuracy, average loss ${(loss / 100).toFixed(2)}`);
+    el('strong', {}, `${percent(accuracy)} %`), ` accuracy, average loss ${lossText(loss)}`);
   for (const [kind, count] of counts.entries()) {
     const mark = MARKS[kind];
     if (mark && count) {

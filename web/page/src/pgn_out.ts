@@ -7,7 +7,7 @@ import { words, type Analysis, type Game, type Options, type Side } from './anal
 import { judged, type Verdict } from './judge';
 import { MARKS } from './marks';
 import { commentText, parseTag, tagText, tokens, type Token } from './pgn_text';
-import { isWhites, numbered, scoreTag, startOf, type Start } from './text';
+import { isWhites, lossText, numbered, scoreTag, startOf, type Start } from './text';
 import { Track } from './track';
 
 const WIDTH = 79;
@@ -188,7 +188,7 @@ function ownTags(verdict: Verdict, { engine, options }: Analysis): [string, stri
   for (const side of ['White', 'Black'] as const) {
     const { accuracy, loss } = verdict.sides[side];
     if (accuracy !== null && loss !== null) {
-      tags.push([`${side}Accuracy`, (accuracy / 10).toFixed(1)], [`${side}Loss`, (loss / 100).toFixed(2)]);
+      tags.push([`${side}Accuracy`, (accuracy / 10).toFixed(1)], [`${side}Loss`, lossText(loss)]);
     }
   }
   return tags.map(([name, value]) => [`Analysis${name}`, value]);

@@ -26,6 +26,11 @@ export function scoreText(score: number): string {
   return (score > 0 ? '+' : '') + (score / 100).toFixed(2).replace('-', '−');
 }
 
+/** An average loss of centipawns, in pawns. */
+export function lossText(centipawns: number): string {
+  return (centipawns / 100).toFixed(2);
+}
+
 export function plural(count: number, one: string, many = `${one}s`): string {
   return `${count.toLocaleString('en')} ${count === 1 ? one : many}`;
 }
