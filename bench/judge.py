@@ -7,8 +7,10 @@ cost 0.2, and what it searches: nodes, beside one search to depth 6 of every pos
 
 import argparse
 import contextlib
+import itertools
 import json
 import os
+import random
 import re
 import sys
 import threading
@@ -21,12 +23,13 @@ import measure
 sys.path.insert(0, str(measure.ROOT / "tools"))
 
 import zorvane_judge as rule  # noqa: E402
-from zorvane_pgn import read_games  # noqa: E402
+from zorvane_pgn import RESULTS, Game, in_batches, parse_batch, read_games, read_text, split  # noqa: E402
 from zorvane_uci import mover_score  # noqa: E402
 
 BAD, COSTLY = 1000, 2000  # ten-thousandths of winning chances
 UNIT_DEPTH = 6  # of the searches that costs are counted in
 CENTIPAWNS = 50  # the loss that was marked before the rule
+SHORTEST = 40  # half-moves of a game that is drawn from a file
 JUDGE = "stockfish"
 INFO = re.compile(r" depth (\d+) .*score (cp|mate) (-?\d+) (?!\w+bound).*nodes (\d+)")
 
@@ -199,6 +202,29 @@ def print_table(measured):
         print(f"| {name}, depth {depth} | {row.marks} | {' | '.join(shares)} | {row.nodes / unit:.2f} |")
 
 
+def all_games(paths):
+    """The games of the files that can be analysed."""
+    return [game for path in paths for game in read_games(path) if game.moves]
+
+
+def drawn_games(paths, seed, first, last):
+    """The games from the first to the last, counted from 1, of those drawn from the files by a seed."""
+    games = [Game(0, *game) for path in paths for game in split(path.read_bytes())]
+    random.Random(seed).shuffle(games)
+    suitable = (game for game in in_batches(games, parse_batch) if is_suitable(game))
+    return list(itertools.islice(suitable, first - 1, last))
+
+
+def is_suitable(game):
+    """Whether a game is long enough to be drawn and came to a result."""
+    return len(game.moves.split()) >= SHORTEST and read_text(game.pgn).result != RESULTS[-1]
+
+
+def number_range(text):
+    first, last = map(int, text.split("-"))
+    return first, last
+
+
 def parse_arguments():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     add = parser.add_argument
@@ -207,6 +233,8 @@ def parse_arguments():
     add("--depths", type=int, nargs="+", default=[5, 6, 7], metavar="DEPTH", help="depths of the rules (5 6 7)")
     add("--judge-depth", type=int, default=15, metavar="DEPTH", help="depth of stockfish (15)")
     add("--moves", type=int, default=1000, metavar="N", help="moves of each game, from its beginning (all)")
+    add("--draw", type=number_range, metavar="FIRST-LAST", help="those of the games drawn by the seed (all games)")
+    add("--seed", type=int, default=1, metavar="N", help="of the draw (1)")
     add("--jobs", "-j", type=int, default=os.cpu_count() or 1, metavar="N", help="games side by side (all cores)")
     add("--answers", type=Path, metavar="FILE", help="keeps the answers of both programs, to try other rules at once")
     return parser.parse_args()
@@ -215,7 +243,7 @@ def parse_arguments():
 def main():
     options = parse_arguments()
     known = Answers(options.answers)
-    games = [game for path in options.games for game in read_games(path) if game.moves]
+    games = drawn_games(options.games, options.seed, *options.draw) if options.draw else all_games(options.games)
     if not games:
         sys.exit("no game that can be analysed")
     with ThreadPoolExecutor(options.jobs) as pool:

@@ -8,7 +8,8 @@ import unittest
 
 from engine_process import ENGINE, HANG_S, ROOT, RequestCase, native_only, table
 
-sys.path.insert(0, str(ROOT / 'tools'))
+sys.path[:0] = [str(ROOT / 'tools'), str(ROOT / 'bench')]
+from judge import drawn_games  # noqa: E402
 from zorvane_judge import OVER, Answer, Options, judge, place, question, wanted  # noqa: E402
 
 
@@ -86,6 +87,21 @@ class Measurement(RequestCase):
         self.assertEqual(done.stderr, '')
         self.assertIn('2 games, 5 moves, 3 bad, 2 of them cost 0.2', done.stdout)
         self.assertRegex(done.stdout, r'winning chances, depth 3 \| 3 \| 100 % \| 100 % \| 100 % \|')
+
+    def test_draw(self):
+        """Games of 20 moves or more that have a result, in an order that the seed decides."""
+        games = self.folder / 'games.pgn'
+        rounds = [(9, '1-0'), (12, '*'), (10, '0-1'), (11, '1-0'), (13, '1/2-1/2'), (14, '0-1')]
+        games.write_text('\n'.join(f'[Round "{count}"]\n\n{"Nf3 Nf6 Ng1 Ng8 " * count}{result}\n'
+                                   for count, result in rounds))
+
+        def drawn(seed, first, last):
+            return [len(game.moves.split()) // 4 for game in drawn_games([games], seed, first, last)]
+        orders = [drawn(seed, 1, 9) for seed in (1, 2)]
+        for seed, order in enumerate(orders, 1):
+            self.assertEqual(sorted(order), [10, 11, 13, 14])
+            self.assertEqual([*drawn(seed, 1, 1), *drawn(seed, 2, 3)], order[:3])
+        self.assertNotEqual(*orders)
 
 
 if __name__ == '__main__':
