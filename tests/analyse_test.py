@@ -321,10 +321,11 @@ class Analyse(RequestCase):
     def test_a_game_too_long(self):
         """10,000 half-moves, of which a request holds 3272, and a line of UCI fewer."""
         start_fen = 'rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq - 1 1'
-        for start, number in (('', 3273), (f'[FEN "{start_fen}"]', 3262)):
+        for start, line, number in (('', 3, 3273), (f'[FEN "{start_fen}"]', 1, 3262)):
             out = self.analyse_text(start + '\n\n' + 'Nf3 Nf6 Ng1 Ng8 ' * 2500 + '*\n', '--moves', '1630', '1640',
                                     '--depth', '1', code=1)
-            self.assertRegex(self.complaints[0], f'game 1: .* positions have no evaluation: {number} moves do not fit')
+            self.assertRegex(self.complaints[0],
+                             f'pgn:{line}: game 1: .* positions have no evaluation: {number} moves do not fit')
             self.assertGreater(out.count(b'%eval'), 0)
 
 

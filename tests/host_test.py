@@ -14,7 +14,8 @@ import time
 import unittest
 import unittest.mock
 
-from engine_process import ENGINE, HANG_S, LONG_SEARCH, ROOT, SMALL_PIPE, RequestCase, side_by_side, started, table
+from engine_process import (ENGINE, HANG_S, LONG_SEARCH, ROOT, SMALL_PIPE, RequestCase, native_only, side_by_side,
+                            started, table)
 from recorded import answer_to, nodes_of
 
 sys.path.insert(0, str(ROOT / 'tools'))
@@ -63,6 +64,19 @@ class Host(RequestCase):
                           *(['--engine', engine] if len(ENGINE) == 1 else []))
         self.assertRegex(line, '^1: g1f3 score -?[0-9]+ depth 1 nodes [0-9]+ reason 2 line g1f3$')
         self.assertEqual(self.complaint, '')
+
+    @native_only
+    def test_terminal(self):
+        """There, progress is one line, which makes room for results."""
+        slow = shlex.join(['sh', '-c', f'sleep 0.5; exec {shlex.join(ENGINE)} "$@"', 'sh'])
+        reader, terminal = os.openpty()
+        with open(reader, newline='\n') as screen:
+            with open(terminal) as output:
+                subprocess.run([*HOST, '--engine', slow, 'startpos', '--depth', '1'], stdout=output, stderr=output,
+                               timeout=HANG_S)
+            first, last = screen.readline(), screen.readline()
+        self.assertRegex(first, r'^(\r\x1b\[K[01] of 1 done, [01] running, [^\r\n]*)+\r\x1b\[K1: .* line ....\r\n$')
+        self.assertRegex(last, r'^\r\x1b\[K1 of 1 done, 0 running, \d+\.\d s\r\n$')
 
     def test_lines_and_json(self):
         self.file('-', 'not this')
@@ -302,8 +316,8 @@ class Host(RequestCase):
                 1, f'{name}: this is Python 3.8, but it needs 3.9 or later\n'))
 
     def test_job_lines(self):
-        lines, folder = self.file('lines', *QUICK), str(self.folder / 'a shared folder')
-        print_jobs = ('--file', str(lines), '--depth', '2', '--folder', 'a shared folder', '--print-jobs')
+        lines, folder = self.file('lines', *QUICK), str(self.folder / 'runs' / 'a shared folder')
+        print_jobs = ('--file', str(lines), '--depth', '2', '--folder', 'runs/a shared folder', '--print-jobs')
         jobs = self.host(*print_jobs)
         self.assertEqual(len(self.host('--collect', folder, code=1)), len(jobs))    # nothing is there, nothing is lost
         self.host(*print_jobs, code=2)
