@@ -38,11 +38,12 @@ class Analyse(RequestCase):
         self.environment = {name: value for name, value in os.environ.items() if name != 'PYTHONUNBUFFERED'}
         self.environment['TMPDIR'] = str(self.folder)
         self.out, self.page = self.folder / 'out.pgn', self.folder / 'out.html'
+        self.options = ['--quiet', '--depth', str(ANALYSIS_DEPTH)]
 
     def run_to_end(self, *arguments, games=GAMES):
         """Run it to its end and give the finished process."""
-        return subprocess.run([*ANALYSE, '--quiet', '--depth', str(ANALYSIS_DEPTH), games, *arguments], text=True,
-                              capture_output=True, timeout=HANG_S, env=self.environment)
+        return subprocess.run([*ANALYSE, *self.options, games, *arguments], text=True, capture_output=True,
+                              timeout=HANG_S, env=self.environment)
 
     def analyse(self, *arguments, code=0, games=GAMES):
         """Run it to its end and give what it wrote to standard output."""
@@ -121,6 +122,9 @@ class Analyse(RequestCase):
             self.assertIn(b'\n1. e4 { [%eval', self.analyse_text(f'[FEN "4k3/8/8/8/8/8/4P3/4K3 {fen}"]\n\n1. e4 *'))
         out = self.analyse_text(f'[AnalysisMoves "{"9" * 5000}-"]\n\n1. e4 *')
         self.assertIn(b'[AnalysisMoves "1-"]', out)
+        # Evaluations of Black's moves came from an earlier analysis, those of White's did not.
+        self.assertIn(b'9.99', self.analyse_text(
+            '[AnalysisMoves "1- of Black"]\n\n1. e4 {[%eval 9.99]} *', '--side', 'black'))
         game, = read_games(self.folder / 'games.pgn')
         options = types.SimpleNamespace(time=1000)
         search = Answers(self.folder, {}, options).search_for(game, Question(1, ('e8e7',), 2))
@@ -191,12 +195,14 @@ class Analyse(RequestCase):
         games.write_text('1. e4 *\n\n[FEN "4k3/8/8/8/8/8/4P3/4K3 w - - 0 1"]\n\n1. e4 *\n')
         jobs = self.analyse('--print-jobs', '--folder', self.folder / 'run', '--engine', engine, games=games)
         self.assertEqual(len(jobs.splitlines()), 4)
+        self.assertNotIn(sys.executable, jobs)  # as only Windows needs it
         subprocess.run(jobs, shell=True, check=True, timeout=HANG_S, cwd=self.folder)
         self.assertEqual(len(list((self.folder / 'run').glob('*.response'))), 2)
         self.assertEqual(len(list((self.folder / 'run').glob('*.answer'))), 2)
 
     def test_failed_jobs(self):
-        """They are named, and printed again."""
+        """They are named, and printed again. The tool says what comes next, and in the end what came out."""
+        self.options.remove('--quiet')
         games, folder = self.folder / 'games.pgn', self.folder / 'run'
         games.write_text('1. e4 *\n')
         jobs = self.analyse('--print-jobs', '--folder', folder, games=games)
@@ -204,6 +210,11 @@ class Analyse(RequestCase):
             request.with_name(request.name + '.error.txt').write_text('no luck\n')
         self.assertEqual(self.analyse('--print-jobs', '--folder', folder, games=games), jobs)
         self.assertRegex(self.complaints[0], '2 of the printed jobs failed .*: no luck$')
+        self.assertIn('2 jobs; when they have ended', self.complaints[1])
+        self.analyse('--pgn', self.out, '--folder', folder, games=games)
+        self.assertIn('1 of 1 games analysed, 0 left as they were; 0 searches', self.complaints[-1])
+        self.analyse('--print-jobs', '--folder', folder, games=games)
+        self.assertIn('no job is left', self.complaints[0])
 
     def test_wrong_use(self):
         games, text = self.folder / 'games.pgn', self.folder / 'text'
@@ -314,10 +325,11 @@ class Analyse(RequestCase):
     def test_a_game_too_long(self):
         """10,000 half-moves, of which a request holds 3272, and a line of UCI fewer."""
         start_fen = 'rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq - 1 1'
-        for start, number in (('', 3273), (f'[FEN "{start_fen}"]', 3262)):
+        for start, line, number in (('', 3, 3273), (f'[FEN "{start_fen}"]', 1, 3262)):
             out = self.analyse_text(start + '\n\n' + 'Nf3 Nf6 Ng1 Ng8 ' * 2500 + '*\n', '--moves', '1630', '1640',
                                     '--depth', '1', code=1)
-            self.assertRegex(self.complaints[0], f'game 1: .* positions have no evaluation: {number} moves do not fit')
+            self.assertRegex(self.complaints[0],
+                             f'pgn:{line}: game 1: .* positions have no evaluation: {number} moves do not fit')
             self.assertGreater(out.count(b'%eval'), 0)
 
 

@@ -14,7 +14,8 @@ import time
 import unittest
 import unittest.mock
 
-from engine_process import ENGINE, HANG_S, LONG_SEARCH, ROOT, SMALL_PIPE, RequestCase, side_by_side, started, table
+from engine_process import (ENGINE, HANG_S, LONG_SEARCH, ROOT, SMALL_PIPE, RequestCase, native_only, side_by_side,
+                            started, table)
 from recorded import answer_to, nodes_of
 
 sys.path.insert(0, str(ROOT / 'tools'))
@@ -55,7 +56,7 @@ class Host(RequestCase):
         line, = self.host('startpos', '--depth', '2')
         info = re.search(r' score cp (.*) nodes (.*) pv (.*) \|', answer_to('--bench', '2'))
         self.assertRegex(line, '^1: {2} score {0} depth 2 nodes {1} reason 0 line {2} ....$'.format(*info.groups()))
-        self.assertIn('1 of 1 done', self.complaint)
+        self.assertRegex(self.complaint, r'1 of 1 done, 0 running, \d{1,3}\.\d s\n')
         engine = self.folder / 'an engine'
         engine.symlink_to(shutil.which(ENGINE[0]))
         hints = self.file('hints', *['g1f3 1 0'] * 255, 'a7a8q 1 0')
@@ -63,6 +64,19 @@ class Host(RequestCase):
                           *(['--engine', engine] if len(ENGINE) == 1 else []))
         self.assertRegex(line, '^1: g1f3 score -?[0-9]+ depth 1 nodes [0-9]+ reason 2 line g1f3$')
         self.assertEqual(self.complaint, '')
+
+    @native_only
+    def test_terminal(self):
+        """There, progress is one line, which makes room for results."""
+        slow = shlex.join(['sh', '-c', f'sleep 0.5; exec {shlex.join(ENGINE)} "$@"', 'sh'])
+        reader, terminal = os.openpty()
+        with open(reader, newline='\n') as screen:
+            with open(terminal) as output:
+                subprocess.run([*HOST, '--engine', slow, 'startpos', '--depth', '1'], stdout=output, stderr=output,
+                               timeout=HANG_S)
+            first, last = screen.readline(), screen.readline()
+        self.assertRegex(first, r'^(\r\x1b\[K[01] of 1 done, [01] running, [^\r\n]*)+\r\x1b\[K1: .* line ....\r\n$')
+        self.assertRegex(last, r'^\r\x1b\[K1 of 1 done, 0 running, \d+\.\d s\r\n$')
 
     def test_lines_and_json(self):
         self.file('-', 'not this')
@@ -142,6 +156,9 @@ class Host(RequestCase):
         batch = zorvane_batch.Batch([])
         for batch.interrupts, urgency in enumerate((GO_ON, CANCEL_IT, KILL_IT)):
             self.assertEqual(batch._urgency(), urgency)
+        with zorvane_batch.Batch([], self.folder, run=lambda _, path, *__: path.touch()) as batch:
+            self.assertEqual(list(batch.results('ab')), [('a', None), ('b', None)])
+            self.assertEqual(os.listdir(self.folder), [])
 
     def test_killed(self):
         """What a killed host has not shown can be collected, and then the folder be used again."""
@@ -199,6 +216,8 @@ class Host(RequestCase):
                 result = zorvane_requests.run(engine, path, request, lambda urgency=urgency: urgency)
                 self.assertEqual(result['status'], want)
                 zorvane_requests.clean_up(path)
+        with unittest.mock.patch.multiple(zorvane_uci, OVERDUE_S=1000):
+            self.assertEqual(zorvane_uci.search(slow, zorvane_uci.Position(START_FEN, [], 100))['status'], 'ok')
 
     def test_results(self):
         """What the files of a request mean, to who ran the engine and to who did not."""
@@ -210,14 +229,15 @@ class Host(RequestCase):
                 ({'': 'r', '.response': answer.replace(row, '', 1)}, 0, 'not one to this request'),
                 ({'': 'r', '.response': answer.replace('t', 'u', 1)}, 0, 'not one to this request'),
                 ({'': 'r', '.response': answer.replace('20', 'x')}, 0, 'not one to this request'),
+                ({'': 'r', '.response': '\udcff'}, 0, 'not one to this request'),
                 ({'': 'r', '.response': 't\nERROR\nno\n'}, 2, 'no'),
                 ({'': 'r', '.response': 't\nERROR\nno'}, 2, 'not one to this request'),
                 ({'': 'r', '.response': 'u\nERROR\nno\n'}, 2, 'not one to this request'),
                 ({'': 'r', '.error.txt': ''}, 2, 'the disk'),
-                ({'': 'r', '.error.txt': ''}, None, 'missing'), ({'': 'r', '.error.txt': 'no\n'}, None, 'no'),
+                ({'': 'r', '.error.txt': ''}, None, 'missing'), ({'': 'r', '.error.txt': 'n\udcff\n'}, None, 'n\ufffd'),
                 ({'.error.txt': 'no\n'}, None, 'cancelled'), ({'': 'r'}, None, 'missing'), ({}, 0, 'cancelled')):
             for ending, text in files.items():
-                zorvane_requests.beside(path, ending).write_text(text)
+                zorvane_requests.beside(path, ending).write_text(text, errors='surrogateescape')
             result = zorvane_requests.read_result(path, 't', exit_code, 'the disk is full')
             self.assertIn(want, result.get('error', result['status']), files)
             if want == 'ok':
@@ -296,8 +316,8 @@ class Host(RequestCase):
                 1, f'{name}: this is Python 3.8, but it needs 3.9 or later\n'))
 
     def test_job_lines(self):
-        lines, folder = self.file('lines', *QUICK), str(self.folder / 'a shared folder')
-        print_jobs = ('--file', str(lines), '--depth', '2', '--folder', folder, '--print-jobs')
+        lines, folder = self.file('lines', *QUICK), str(self.folder / 'runs' / 'a shared folder')
+        print_jobs = ('--file', str(lines), '--depth', '2', '--folder', 'runs/a shared folder', '--print-jobs')
         jobs = self.host(*print_jobs)
         self.assertEqual(len(self.host('--collect', folder, code=1)), len(jobs))    # nothing is there, nothing is lost
         self.host(*print_jobs, code=2)
